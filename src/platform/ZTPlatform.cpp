@@ -1,0 +1,5 @@
+#include "platform/ZTPlatform.h"
+
+#include <QSysInfo>
+
+QString ZTPlatform::describe() { return QSysInfo::prettyProductName(); }
