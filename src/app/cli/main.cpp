@@ -1,9 +1,52 @@
+#include "app/cli/ZTCli.h"
+
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QTextStream>
+
+#include <memory>
+
+namespace ZTCliCommands {
+int help(const QStringList &)
+{
+    QTextStream o(stdout);
+    o << "usage: zettary-cli COMMAND [ARGUMENTS]\n\n"
+      << "Commands:\n";
+    for (int i = 0; i < ZTCli::commandCount(); ++i) {
+        const ZTCli::Command &c = ZTCli::commands()[i];
+        o << "  " << c.name;
+        if (*c.usage)
+            o << " " << c.usage;
+        o << "\n      " << c.summary << "\n";
+    }
+    o << "\nThe settings store is the user's; ZETTARY_SETTINGS_FILE names another file.\n";
+    return 0;
+}
+} // namespace ZTCliCommands
 
 int main(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
-    QTextStream(stdout) << "zettary-cli\n";
-    return 0;
+    // Pictures and fonts need a GUI application object; without a display the
+    // offscreen platform serves.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    app.setApplicationName(QStringLiteral("Zettary"));
+    app.setOrganizationName(QStringLiteral("Zettary"));
+
+    QStringList args = app.arguments().mid(1);
+    if (args.isEmpty() || args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h"))
+        return ZTCliCommands::help({});
+    const QString name = args.takeFirst();
+    for (int i = 0; i < ZTCli::commandCount(); ++i) {
+        const ZTCli::Command &c = ZTCli::commands()[i];
+        if (name == QLatin1String(c.name)) {
+            if (args.contains(QStringLiteral("--help"))) {
+                QTextStream(stdout) << "usage: zettary-cli " << c.name << " " << c.usage << "\n" << c.summary << "\n";
+                return 0;
+            }
+            return c.run(args);
+        }
+    }
+    return ZTCli::fail(QStringLiteral("unknown command \"%1\" (see zettary-cli --help)").arg(name));
 }

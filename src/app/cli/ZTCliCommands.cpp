@@ -1,0 +1,15 @@
+#include "app/cli/ZTCli.h"
+
+// One table of every command. Each command's code lives in its own file.
+namespace ZTCliCommands {
+int help(const QStringList &args);
+} // namespace ZTCliCommands
+
+namespace {
+const ZTCli::Command s_commands[] = {
+    {"help", "", "show this list", &ZTCliCommands::help},
+};
+} // namespace
+
+const ZTCli::Command *ZTCli::commands() { return s_commands; }
+int ZTCli::commandCount() { return int(sizeof(s_commands) / sizeof(s_commands[0])); }
