@@ -1,0 +1,63 @@
+#include "lists/ZTList.h"
+
+#include "app/ZTNotificationCenter.h"
+#include "store/ZTManagedObjectContext.h"
+#include "store/ZTOid.h"
+#include "store/ZTPropertyList.h"
+
+namespace {
+const QString s_name = QStringLiteral("name");
+const QString s_order = QStringLiteral("order");
+const QString s_libraryFlag = QStringLiteral("libraryFlag");
+const QString s_toItemData = QStringLiteral("toItemData");
+} // namespace
+
+ZTList *ZTList::createInManagedObjectContext(ZTManagedObjectContext *context, int order)
+{
+    if (!context)
+        return nullptr;
+    auto *list = static_cast<ZTList *>(context->insertNewObject(QStringLiteral("ZTList")));
+    if (list)
+        list->setOrder(order);
+    return list;
+}
+
+QString ZTList::name() const { return primitiveValueForKey(s_name).toString(); }
+void ZTList::setName(const QString &name) { setPrimitiveValueForKey(name, s_name); }
+int ZTList::order() const { return primitiveValueForKey(s_order).toInt(); }
+void ZTList::setOrder(int order) { setPrimitiveValueForKey(order, s_order); }
+bool ZTList::isLibrary() const { return primitiveValueForKey(s_libraryFlag).toBool(); }
+void ZTList::setLibraryFlag(bool flag) { setPrimitiveValueForKey(flag, s_libraryFlag); }
+
+void ZTList::setItemOids(const QStringList &oids)
+{
+    m_itemOids = oids;
+    updateListData();
+}
+
+void ZTList::addItem(const QString &itemOid)
+{
+    m_itemOids.prepend(itemOid);
+    updateListData();
+}
+
+void ZTList::updateListData()
+{
+    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
+    ZTNotificationCenter::defaultCenter().post(ZTListNotification::updated, this,
+                                               {{QStringLiteral("oid"), m_oid}});
+}
+
+void ZTList::awakeFromInsert()
+{
+    ZTManagedObject::awakeFromInsert();
+    m_oid = ZTOid::uuid();
+    updateListData();
+}
+
+void ZTList::awakeFromFetch()
+{
+    m_oid = ZTOid::uuid();
+    const QByteArray data = primitiveValueForKey(s_toItemData).toByteArray();
+    m_itemOids = data.isEmpty() ? QStringList() : ZTPropertyList::stringArray(data);
+}

@@ -1,0 +1,211 @@
+#include "model/ZTBook.h"
+
+#include "model/ZTItemDerived.h"
+#include "model/ZTSharedRows.h"
+
+namespace {
+const QString s_authorData = QStringLiteral("toAuthorData");
+const QString s_subjectData = QStringLiteral("toSubjectData");
+const QString s_subjectEntity = QStringLiteral("ZTSubject");
+const QString s_name = QStringLiteral("name");
+const QString s_role = QStringLiteral("role");
+const ZTRoleEntity &s_roles = ZTRoleEntities::author;
+
+QStringList toStrings(const QVariant &v) { return ZTItem::variantToStrings(v); }
+
+// A shown author: "ent." marks a corporate author, shown as it stands.
+void authorForms(const QVariantMap &dict, QString *plain, QString *sorted)
+{
+    const QString name = dict.value(s_name).toString().trimmed();
+    const QString role = dict.value(s_role).toString().trimmed();
+    if (role == QLatin1String("ent.")) {
+        *plain = name;
+        *sorted = name;
+        return;
+    }
+    *plain = name;
+    *sorted = ZTItemDerived::lastNameFirst(name);
+    if (!role.isEmpty()) {
+        const QString suffix = QStringLiteral(" (") + ZTItemDerived::localizedRole(role) + QLatin1Char(')');
+        *plain += suffix;
+        *sorted += suffix;
+    }
+}
+} // namespace
+
+QStringList ZTBook::itemCodeTypes() const { return {QStringLiteral("isbn"), QStringLiteral("lccn")}; }
+
+QVariantList ZTBook::authorRoleDicts() const
+{
+    return roleDictsForOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+}
+
+void ZTBook::setAuthorRoleDicts(const QVariantList &dicts)
+{
+    storeOidArray(m_authorRoleOids,
+                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personEntity),
+                                       QLatin1String(s_roles.personKey), QLatin1String(s_roles.inverseKey),
+                                       MissingRole::Empty),
+                  s_authorData);
+    updateAuthors();
+}
+
+void ZTBook::setAuthors(const QStringList &names)
+{
+    QVariantList dicts;
+    for (const QString &n : names)
+        dicts << QVariantMap{{s_name, n}};
+    storeOidArray(m_authorRoleOids,
+                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personEntity),
+                                       QLatin1String(s_roles.personKey), QLatin1String(s_roles.inverseKey),
+                                       MissingRole::Unset),
+                  s_authorData);
+    updateAuthors();
+}
+
+QStringList ZTBook::authors() const { return stringsForArray(authorRoleDicts(), s_name); }
+
+QStringList ZTBook::authorOids() const
+{
+    return personOidsForRoleOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+}
+
+QStringList ZTBook::locSubjects() const { return namesForOids(m_subjectOids, s_subjectEntity); }
+
+void ZTBook::setLocSubjects(const QStringList &names)
+{
+    storeOidArray(m_subjectOids, oidArrayForIncomingArray(names, s_subjectEntity), s_subjectData);
+}
+
+QString ZTBook::deweyClassNumberPrefix() const
+{
+    return ZTItemDerived::deweyClassNumberPrefix(primitiveValueForKey(QStringLiteral("deweyClassNumber")).toString());
+}
+
+QString ZTBook::deweyClassNumberDisplayString() const
+{
+    return ZTItemDerived::deweyClassNumberDisplayString(
+        primitiveValueForKey(QStringLiteral("deweyClassNumber")).toString());
+}
+
+void ZTBook::updateAuthors()
+{
+    m_authorsWithTypes.clear();
+    m_authorsWithTypesByLastNameFirstName.clear();
+    for (const QVariant &entry : authorRoleDicts()) {
+        QString plain, sorted;
+        authorForms(entry.toMap(), &plain, &sorted);
+        m_authorsWithTypes << plain;
+        m_authorsWithTypesByLastNameFirstName << sorted;
+    }
+}
+
+void ZTBook::updateVolumeNumber()
+{
+    m_volumeNumberSortable = ZTItemDerived::volumeNumberSortable(
+        primitiveValueForKey(QStringLiteral("volumeNumber")).toString(), m_volumeNumberSortable);
+}
+
+void ZTBook::updateLocClassificationSortable()
+{
+    m_locClassificationSortable =
+        ZTItemDerived::locClassificationSortable(primitiveValueForKey(QStringLiteral("locClassification")).toString());
+}
+
+void ZTBook::updateAttributes()
+{
+    ZTItem::updateAttributes();
+    updateAuthors();
+    updateVolumeNumber();
+    updateLocClassificationSortable();
+}
+
+void ZTBook::decodeBlobs()
+{
+    m_authorRoleOids = decodeOidBlob(s_authorData);
+    m_subjectOids = decodeOidBlob(s_subjectData);
+}
+
+QStringList ZTBook::indexKeysSingle() const
+{
+    return ZTItem::indexKeysSingle() + QStringList{QStringLiteral("publisher"), QStringLiteral("locClassification"),
+                                                   QStringLiteral("isbn"), QStringLiteral("lccn")};
+}
+
+QStringList ZTBook::indexKeysMultiple() const
+{
+    return ZTItem::indexKeysMultiple() + QStringList{QStringLiteral("authors"), QStringLiteral("locSubjects")};
+}
+
+bool ZTBook::kindContainsString(const QString &text) const
+{
+    for (const char *key : {"publisher", "locClassification", "isbn", "lccn"})
+        if (primitiveValueForKey(QLatin1String(key)).toString().contains(text, Qt::CaseInsensitive))
+            return true;
+    return authors().join(QLatin1Char(' ')).contains(text, Qt::CaseInsensitive) ||
+           locSubjects().join(QLatin1Char(' ')).contains(text, Qt::CaseInsensitive);
+}
+
+void ZTBook::addDictionaryValues(QVariantMap &map) const
+{
+    for (const char *key : {"isbn", "lccn", "pages", "publisher", "locClassification", "deweyClassNumber",
+                            "volumeNumber", "editionNumber", "placePublished"}) {
+        const QVariant v = primitiveValueForKey(QLatin1String(key));
+        if (v.isValid())
+            map.insert(QLatin1String(key), v);
+    }
+    map.insert(QStringLiteral("locSubjects"), locSubjects());
+    map.insert(QStringLiteral("authorRoleDicts"), authorRoleDicts());
+}
+
+void ZTBook::handleKindDictionary(const QVariantMap &map)
+{
+    for (const char *key : {"isbn", "lccn", "pages", "publisher", "locClassification", "deweyClassNumber",
+                            "volumeNumber", "editionNumber", "placePublished"})
+        setValueForKey(map.value(QLatin1String(key)), QLatin1String(key));
+    updateLocClassificationSortable();
+    updateVolumeNumber();
+    setLocSubjects(toStrings(map.value(QStringLiteral("locSubjects"))));
+    // Plain author names take role "" here, unlike setAuthors.
+    if (map.contains(QStringLiteral("authors"))) {
+        QVariantList dicts;
+        for (const QString &n : toStrings(map.value(QStringLiteral("authors"))))
+            dicts << QVariantMap{{s_name, n}, {s_role, QString()}};
+        setAuthorRoleDicts(dicts);
+    } else {
+        setAuthorRoleDicts(map.value(QStringLiteral("authorRoleDicts")).toList());
+    }
+}
+
+const ZTItem::AccessorTable &ZTBook::accessors() const
+{
+    static const AccessorTable table = [] {
+        using B = ZTBook;
+        AccessorTable t = commonAccessors();
+        t.insert(QStringLiteral("authors"), {&read<B, &B::authors>, &writeStrings<B, &B::setAuthors>});
+        t.insert(QStringLiteral("authorRoleDicts"),
+                 {&read<B, &B::authorRoleDicts>, &writeList<B, &B::setAuthorRoleDicts>});
+        t.insert(QStringLiteral("authorOids"), {&read<B, &B::authorOids>, nullptr});
+        t.insert(QStringLiteral("authorRoleOids"), {&read<B, &B::authorRoleOids>, nullptr});
+        t.insert(QStringLiteral("locSubjects"), {&read<B, &B::locSubjects>, &writeStrings<B, &B::setLocSubjects>});
+        t.insert(QStringLiteral("subjectOids"), {&read<B, &B::subjectOids>, nullptr});
+        t.insert(QStringLiteral("authorsWithTypes"), {&read<B, &B::authorsWithTypes>, nullptr});
+        t.insert(QStringLiteral("authorsWithTypesByLastNameFirstName"),
+                 {&read<B, &B::authorsWithTypesByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("volumeNumberSortable"), {&read<B, &B::volumeNumberSortable>, nullptr});
+        t.insert(QStringLiteral("locClassificationSortable"), {&read<B, &B::locClassificationSortable>, nullptr});
+        t.insert(QStringLiteral("firstAuthor"), {&readFirst<B, &B::authors>, nullptr});
+        t.insert(QStringLiteral("firstAuthorByLastNameFirstname"),
+                 {[](const ZTItem &i) -> QVariant {
+                      const QStringList a = static_cast<const B &>(i).authors();
+                      return a.isEmpty() ? QVariant() : QVariant(ZTItemDerived::lastNameFirst(a.first().trimmed()));
+                  },
+                  nullptr});
+        t.insert(QStringLiteral("firstLocSubject"), {&readFirst<B, &B::locSubjects>, nullptr});
+        t.insert(QStringLiteral("deweyClassNumberPrefix"), {&read<B, &B::deweyClassNumberPrefix>, nullptr});
+        t.insert(QStringLiteral("deweyClassNumberDisplayString"),
+                 {&read<B, &B::deweyClassNumberDisplayString>, nullptr});
+        return t;
+    }();
+    return table;
+}

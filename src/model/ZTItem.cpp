@@ -1,0 +1,620 @@
+#include "model/ZTItem.h"
+
+#include "model/ZTItemDerived.h"
+#include "model/ZTLendingContext.h"
+#include "model/ZTLocale.h"
+#include "model/ZTSharedRows.h"
+#include "store/ZTImage.h"
+#include "store/ZTManagedObjectContext.h"
+#include "store/ZTOid.h"
+#include "store/ZTPropertyList.h"
+
+#include <QTimeZone>
+
+namespace {
+const QString s_toLocale = QStringLiteral("toLocale");
+const QString s_toPriceLocale = QStringLiteral("toPriceLocale");
+const QString s_toPricePaidLocale = QStringLiteral("toPricePaidLocale");
+const QString s_toCoverImage = QStringLiteral("toCoverImage");
+const QString s_toLendingContext = QStringLiteral("toLendingContext");
+const QString s_toKeywordData = QStringLiteral("toKeywordData");
+const QString s_keywordEntity = QStringLiteral("ZTKeyword");
+const QString s_name = QStringLiteral("name");
+const QString s_role = QStringLiteral("role");
+const QString s_code = QStringLiteral("code");
+
+QStringList toStringList(const QVariant &value) { return ZTItem::variantToStrings(value); }
+} // namespace
+
+QStringList ZTItem::variantToStrings(const QVariant &value)
+{
+    QStringList result;
+    if (value.typeId() == QMetaType::QStringList)
+        return value.toStringList();
+    if (value.typeId() == QMetaType::QString) {
+        const QString s = value.toString();
+        if (!s.isEmpty())
+            result << s;
+        return result;
+    }
+    for (const QVariant &v : value.toList())
+        if (v.canConvert<QString>())
+            result << v.toString();
+    return result;
+}
+
+namespace {
+
+template <auto Field>
+QVariant transientGet(const ZTItem &item)
+{
+    const ZTItem::Transient *t = item.transientIfAny();
+    if (!t || (t->*Field).isNull())
+        return {};
+    return QVariant(t->*Field);
+}
+
+template <auto Field>
+void transientSet(ZTItem &item, const QVariant &value)
+{
+    using Value = std::remove_reference_t<decltype(item.transient().*Field)>;
+    item.transient().*Field = value.value<Value>();
+}
+
+QDateTime toDateTime(const QVariant &value)
+{
+    static const ZTAttribute dateAttribute{QStringLiteral("date"), ZTAttributeType::Date, {}, {}, 0};
+    return ZTManagedObject::normalized(dateAttribute, value).toDateTime();
+}
+} // namespace
+
+ZTItem::ZTItem() = default;
+ZTItem::~ZTItem() = default;
+
+ZTItem::Transient &ZTItem::transient()
+{
+    if (!m_transient)
+        m_transient = std::make_unique<Transient>();
+    return *m_transient;
+}
+
+ZTItem *ZTItem::itemFromAttributeDictionary(ZTMediaKind kind, const QVariantMap &dictionary,
+                                            ZTManagedObjectContext *context)
+{
+    if (!context)
+        return nullptr;
+    auto *item = static_cast<ZTItem *>(context->insertNewObject(ZTMediaKinds::itemEntityName(kind)));
+    if (item)
+        item->takeAttributesFromDictionary(dictionary);
+    return item;
+}
+
+void ZTItem::awakeFromInsert()
+{
+    ZTManagedObject::awakeFromInsert();
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    setPrimitiveValueForKey(ZTOid::uuid(), ZTItemKey::oid);
+    setPrimitiveValueForKey(now, ZTItemKey::dateAdded);
+    setPrimitiveValueForKey(now, ZTItemKey::dateModified);
+    ZTManagedObjectContext *context = managedObjectContext();
+    setToOneForKey(s_toLocale, ZTLocale::defaultLocaleInManagedObjectContext(context));
+    setToOneForKey(s_toPriceLocale, ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(context));
+    setToOneForKey(s_toPricePaidLocale, ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(context));
+    setKeywordOids({});
+    decodeBlobs();
+    updateAttributes();
+}
+
+void ZTItem::awakeFromFetch()
+{
+    m_keywordOids = decodeOidBlob(s_toKeywordData);
+    decodeBlobs();
+    ZTManagedObjectContext *context = managedObjectContext();
+    // Rows from older versions may lack a currency; giving them one is a change.
+    if (!toOneForKey(s_toPriceLocale))
+        setToOneForKey(s_toPriceLocale, ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(context));
+    if (!toOneForKey(s_toPricePaidLocale))
+        setToOneForKey(s_toPricePaidLocale, ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(context));
+    updateAttributes();
+}
+
+QStringList ZTItem::decodeOidBlob(const QString &blobKey) const
+{
+    const QByteArray data = primitiveValueForKey(blobKey).toByteArray();
+    if (data.isEmpty())
+        return {};
+    return ZTPropertyList::stringArray(data);
+}
+
+void ZTItem::storeOidArray(QStringList &member, const QStringList &oids, const QString &blobKey)
+{
+    member = oids;
+    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(oids), blobKey);
+}
+
+// ---- derived values ----
+
+void ZTItem::updateAttributes()
+{
+    updateTitleWithoutLeadingArticle();
+    updateOverdueStatus();
+    updateCoverImageStatus();
+}
+
+void ZTItem::updateTitleWithoutLeadingArticle()
+{
+    m_titleWithoutLeadingArticle = ZTItemDerived::titleWithoutLeadingArticle(title(), locale());
+}
+
+void ZTItem::updateOverdueStatus()
+{
+    const QDateTime due = dateDue();
+    m_overdueFlag = due.isValid() && ZTItemDerived::isOverdue(due.toLocalTime().date());
+}
+
+void ZTItem::updateCoverImageStatus() { m_hasCoverImageFlag = toOneForKey(s_toCoverImage) != nullptr; }
+
+QString ZTItem::title() const { return primitiveValueForKey(ZTItemKey::title).toString(); }
+
+void ZTItem::setTitle(const QString &title)
+{
+    setPrimitiveValueForKey(title, ZTItemKey::title);
+    updateTitleWithoutLeadingArticle();
+}
+
+QVariant ZTItem::year() const
+{
+    const QDateTime d = primitiveValueForKey(QStringLiteral("datePublished")).toDateTime();
+    return d.isValid() ? QVariant(d.toUTC().date().year()) : QVariant();
+}
+
+QVariant ZTItem::originalYear() const
+{
+    const QDateTime d = primitiveValueForKey(QStringLiteral("originalDatePublished")).toDateTime();
+    return d.isValid() ? QVariant(d.toUTC().date().year()) : QVariant();
+}
+
+bool ZTItem::isOwned() const { return primitiveValueForKey(QStringLiteral("ownedFlag")).toBool(); }
+bool ZTItem::isLocked() const { return primitiveValueForKey(QStringLiteral("lockedFlag")).toBool(); }
+bool ZTItem::isSigned() const { return primitiveValueForKey(QStringLiteral("signedFlag")).toBool(); }
+bool ZTItem::isUsed() const { return primitiveValueForKey(QStringLiteral("usedFlag")).toBool(); }
+int ZTItem::rating() const { return primitiveValueForKey(QStringLiteral("rating")).toInt(); }
+
+// ---- locales ----
+
+QString ZTItem::locale() const
+{
+    ZTManagedObject *row = toOneForKey(s_toLocale);
+    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+}
+
+QString ZTItem::priceLocale() const
+{
+    ZTManagedObject *row = toOneForKey(s_toPriceLocale);
+    if (!row)
+        row = ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(managedObjectContext());
+    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+}
+
+QString ZTItem::pricePaidLocale() const
+{
+    ZTManagedObject *row = toOneForKey(s_toPricePaidLocale);
+    if (!row)
+        row = ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(managedObjectContext());
+    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+}
+
+void ZTItem::setLocale(const QString &code)
+{
+    const QString c = code.trimmed();
+    setToOneForKey(s_toLocale, c.isEmpty() ? nullptr : ZTLocale::localeForLocaleCode(c, managedObjectContext()));
+}
+
+void ZTItem::setPriceLocale(const QString &code)
+{
+    const QString c = code.trimmed();
+    setToOneForKey(s_toPriceLocale,
+                   c.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
+}
+
+void ZTItem::setPricePaidLocale(const QString &code)
+{
+    const QString c = code.trimmed();
+    setToOneForKey(s_toPricePaidLocale,
+                   c.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
+}
+
+QString ZTItem::priceString() const
+{
+    const QVariant v = primitiveValueForKey(QStringLiteral("price"));
+    if (!v.isValid())
+        return {};
+    const QString code = priceLocale();
+    return ZTItemDerived::formatMoney(v.toDouble(), code.isEmpty() ? QStringLiteral("USD") : code);
+}
+
+QString ZTItem::pricePaidString() const
+{
+    const QVariant v = primitiveValueForKey(QStringLiteral("pricePaid"));
+    if (!v.isValid())
+        return {};
+    const QString code = pricePaidLocale();
+    return ZTItemDerived::formatMoney(v.toDouble(), code.isEmpty() ? QStringLiteral("USD") : code);
+}
+
+// ---- keywords and shared names ----
+
+QStringList ZTItem::keywords() const { return namesForOids(m_keywordOids, s_keywordEntity); }
+
+void ZTItem::setKeywords(const QStringList &names) { setKeywordOids(oidArrayForIncomingArray(names, s_keywordEntity)); }
+
+void ZTItem::setKeywordOids(const QStringList &oids) { storeOidArray(m_keywordOids, oids, s_toKeywordData); }
+
+QStringList ZTItem::oidArrayForIncomingArray(const QStringList &names, const QString &entityName)
+{
+    QStringList oids;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context)
+        return oids;
+    auto &table = context->oidObjectDictionary()[entityName];
+    auto &index = context->nameIndex(entityName);
+    for (const QString &name : names) {
+        if (name.trimmed().isEmpty())
+            continue;
+        ZTManagedObject *row = index.value(name, nullptr);
+        if (!row || row->isDeleted() || !table.contains(row->oid())) {
+            row = context->insertNewObject(entityName);
+            if (!row)
+                continue;
+            static_cast<ZTSharedName *>(row)->setName(name);
+            table.insert(row->oid(), row);
+            index.insert(name, row);
+        }
+        oids << row->oid();
+    }
+    return oids;
+}
+
+QStringList ZTItem::namesForOids(const QStringList &oids, const QString &entityName) const
+{
+    QStringList names;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context)
+        return names;
+    for (ZTManagedObject *row : context->objectsForEntity(entityName, oids))
+        names << row->primitiveValueForKey(s_name).toString();
+    return names;
+}
+
+QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QString &roleEntity,
+                                         const QString &personEntity, const QString &personKey,
+                                         const QString &inverseKey, MissingRole missing)
+{
+    Q_UNUSED(inverseKey)
+    QStringList oids;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context)
+        return oids;
+    auto &roleTable = context->oidObjectDictionary()[roleEntity];
+    auto &personTable = context->oidObjectDictionary()[personEntity];
+    auto &roleIndex = context->nameIndex(roleEntity);
+    auto &personIndex = context->nameIndex(personEntity);
+    for (const QVariant &entry : dicts) {
+        const QVariantMap map = entry.toMap();
+        const QString name = map.value(s_name).toString();
+        if (name.trimmed().isEmpty())
+            continue;
+        QVariant role = map.value(s_role);
+        QString lookupRole;
+        switch (missing) {
+        case MissingRole::Empty:
+            if (role.isNull() || !role.isValid())
+                role = QString();
+            lookupRole = role.toString();
+            break;
+        case MissingRole::LiteralNil:
+            // A missing or blank role looks for the text "nil", which matches
+            // nothing, so a new row is made with the role as it came in.
+            lookupRole = role.toString().trimmed().isEmpty() ? QStringLiteral("nil") : role.toString();
+            break;
+        case MissingRole::Unset:
+            lookupRole = role.isValid() && !role.isNull() ? role.toString() : QStringLiteral("\x01unset");
+            break;
+        }
+        const QString key = ZTManagedObjectContext::roleIndexKey(name, lookupRole);
+        ZTManagedObject *row = roleIndex.value(key, nullptr);
+        if (!row || row->isDeleted() || !roleTable.contains(row->oid())) {
+            row = context->insertNewObject(roleEntity);
+            if (!row)
+                continue;
+            if (role.isValid() && !role.isNull())
+                static_cast<ZTSharedRole *>(row)->setRole(role.toString());
+            roleTable.insert(row->oid(), row);
+            ZTManagedObject *person = personIndex.value(name, nullptr);
+            if (!person || person->isDeleted() || !personTable.contains(person->oid())) {
+                person = context->insertNewObject(personEntity);
+                if (person) {
+                    static_cast<ZTSharedName *>(person)->setName(name);
+                    personTable.insert(person->oid(), person);
+                    personIndex.insert(name, person);
+                }
+            }
+            row->setToOneForKey(personKey, person);
+            // Index the new row under the key that a later identical entry looks up.
+            const QVariant stored = static_cast<ZTSharedRole *>(row)->roleValue();
+            roleIndex.insert(ZTManagedObjectContext::roleIndexKey(
+                                 name, stored.isValid() ? stored.toString() : QStringLiteral("\x01unset")),
+                             row);
+        }
+        oids << row->oid();
+    }
+    return oids;
+}
+
+QVariantList ZTItem::roleDictsForOids(const QStringList &oids, const QString &roleEntity,
+                                      const QString &personKey) const
+{
+    QVariantList dicts;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context)
+        return dicts;
+    for (ZTManagedObject *row : context->objectsForEntity(roleEntity, oids)) {
+        ZTManagedObject *person = row->toOneForKey(personKey);
+        QVariantMap map;
+        map.insert(s_name, person ? person->primitiveValueForKey(s_name).toString() : QString());
+        map.insert(s_role, row->primitiveValueForKey(s_role).toString());
+        dicts << map;
+    }
+    return dicts;
+}
+
+QStringList ZTItem::personOidsForRoleOids(const QStringList &oids, const QString &roleEntity,
+                                          const QString &personKey) const
+{
+    QStringList result;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context)
+        return result;
+    for (ZTManagedObject *row : context->objectsForEntity(roleEntity, oids))
+        if (ZTManagedObject *person = row->toOneForKey(personKey))
+            result << person->oid();
+    return result;
+}
+
+QStringList ZTItem::stringsForArray(const QVariantList &dicts, const QString &key)
+{
+    QStringList result;
+    for (const QVariant &entry : dicts) {
+        const QString value = entry.toMap().value(key).toString();
+        if (value.trimmed().isEmpty() || result.contains(value))
+            continue;
+        result << value;
+    }
+    return result;
+}
+
+// ---- lending ----
+
+ZTLendingContext *ZTItem::lendingContext() const
+{
+    return static_cast<ZTLendingContext *>(toOneForKey(s_toLendingContext));
+}
+
+QString ZTItem::lentToName() const { return lendingContext() ? lendingContext()->name() : QString(); }
+QString ZTItem::lentToEmail() const { return lendingContext() ? lendingContext()->email() : QString(); }
+QDateTime ZTItem::dateLent() const { return lendingContext() ? lendingContext()->dateLent() : QDateTime(); }
+QDateTime ZTItem::dateDue() const { return lendingContext() ? lendingContext()->dateDue() : QDateTime(); }
+
+static ZTLendingContext *ensureLending(ZTItem *item)
+{
+    if (ZTLendingContext *lending = item->lendingContext())
+        return lending;
+    ZTManagedObjectContext *context = item->managedObjectContext();
+    if (!context)
+        return nullptr;
+    auto *lending = static_cast<ZTLendingContext *>(context->insertNewObject(QStringLiteral("ZTLendingContext")));
+    item->setToOneForKey(QStringLiteral("toLendingContext"), lending);
+    return lending;
+}
+
+void ZTItem::setLentToName(const QString &name)
+{
+    if (name.isEmpty() && !lendingContext())
+        return;
+    if (ZTLendingContext *lending = ensureLending(this))
+        lending->setPrimitiveValueForKey(name, QStringLiteral("name"));
+}
+
+void ZTItem::setLentToEmail(const QString &email)
+{
+    if (email.isEmpty() && !lendingContext())
+        return;
+    if (ZTLendingContext *lending = ensureLending(this))
+        lending->setPrimitiveValueForKey(email, QStringLiteral("email"));
+}
+
+void ZTItem::setDateLent(const QDateTime &date)
+{
+    if (!date.isValid() && !lendingContext())
+        return;
+    if (ZTLendingContext *lending = ensureLending(this))
+        lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(), QStringLiteral("dateLent"));
+}
+
+void ZTItem::setDateDue(const QDateTime &date)
+{
+    if (date.isValid() || lendingContext()) {
+        if (ZTLendingContext *lending = ensureLending(this))
+            lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(), QStringLiteral("dateDue"));
+    }
+    updateOverdueStatus();
+}
+
+void ZTItem::removeLending()
+{
+    ZTLendingContext *lending = lendingContext();
+    if (!lending)
+        return;
+    setToOneForKey(s_toLendingContext, nullptr);
+    if (managedObjectContext())
+        managedObjectContext()->deleteObject(lending);
+    updateOverdueStatus();
+}
+
+// ---- search and links ----
+
+bool ZTItem::containsString(const QString &text) const
+{
+    if (text.isNull())
+        return false;
+    static const QStringList keys{QStringLiteral("title"),         QStringLiteral("genre"),
+                                  QStringLiteral("source"),        QStringLiteral("format"),
+                                  QStringLiteral("notes"),         QStringLiteral("condition"),
+                                  QStringLiteral("productDescription"), QStringLiteral("location"),
+                                  QStringLiteral("series")};
+    for (const QString &key : keys)
+        if (primitiveValueForKey(key).toString().contains(text, Qt::CaseInsensitive))
+            return true;
+    if (keywords().join(QLatin1Char(' ')).contains(text, Qt::CaseInsensitive))
+        return true;
+    return kindContainsString(text);
+}
+
+QStringList ZTItem::indexKeysSingle() const
+{
+    return {QStringLiteral("title"),  QStringLiteral("genre"), QStringLiteral("source"),
+            QStringLiteral("format"), QStringLiteral("notes"), QStringLiteral("condition"),
+            QStringLiteral("productDescription"), QStringLiteral("location"), QStringLiteral("series")};
+}
+
+QStringList ZTItem::indexKeysMultiple() const { return {ZTItemKey::keywords}; }
+
+QString ZTItem::indexedString() const
+{
+    QStringList parts;
+    for (const QString &key : indexKeysSingle()) {
+        const QString v = valueForKey(key).toString();
+        if (!v.isEmpty())
+            parts << v;
+    }
+    for (const QString &key : indexKeysMultiple()) {
+        const QStringList values = toStringList(valueForKey(key));
+        if (!values.isEmpty())
+            parts << values.join(QLatin1Char(' '));
+    }
+    return parts.join(QLatin1Char(' '));
+}
+
+QVariantList ZTItem::urlDictionariesWithAssociateTag(const QString &tag) const
+{
+    QVariantMap codes;
+    for (const char *key : {"isbn", "asin", "gcdn", "cbdbn"}) {
+        const QVariant v = valueForKey(QLatin1String(key));
+        if (v.isValid())
+            codes.insert(QLatin1String(key), v);
+    }
+    return ZTItemDerived::shopLinks(int(mediaKind()), codes, locale(), tag);
+}
+
+QString ZTItem::urlWithAssociateTag(const QString &tag) const
+{
+    const QVariantList links = urlDictionariesWithAssociateTag(tag);
+    return links.isEmpty() ? QString() : links.first().toMap().value(QStringLiteral("url")).toString();
+}
+
+bool ZTItem::hasKey(const QString &key) const
+{
+    return accessors().contains(key) || (entity() && entity()->attributeSlot(key) >= 0);
+}
+
+QVariant ZTItem::valueForKey(const QString &key) const
+{
+    const AccessorTable &table = accessors();
+    auto it = table.constFind(key);
+    if (it != table.constEnd() && it->get)
+        return it->get(*this);
+    return ZTManagedObject::valueForKey(key);
+}
+
+void ZTItem::setValueForKey(const QVariant &value, const QString &key)
+{
+    const AccessorTable &table = accessors();
+    auto it = table.constFind(key);
+    if (it != table.constEnd()) {
+        if (it->set)
+            it->set(*this, value);
+        return;
+    }
+    if (key.endsWith(QLatin1String("Data")) || key == ZTItemKey::oid)
+        return; // blobs and identity change only through their own operations
+    ZTManagedObject::setValueForKey(value, key);
+}
+
+void ZTItem::setDate(const QString &key, const QVariant &value)
+{
+    setPrimitiveValueForKey(toDateTime(value), key);
+}
+
+ZTItem::AccessorTable ZTItem::commonAccessors()
+{
+    AccessorTable t;
+    t.insert(ZTItemKey::locale, {[](const ZTItem &i) -> QVariant {
+                                     const QString c = i.locale();
+                                     return c.isNull() ? QVariant() : QVariant(c);
+                                 },
+                                 [](ZTItem &i, const QVariant &v) { i.setLocale(v.toString()); }});
+    t.insert(ZTItemKey::priceLocale, {[](const ZTItem &i) -> QVariant {
+                                          const QString c = i.priceLocale();
+                                          return c.isNull() ? QVariant() : QVariant(c);
+                                      },
+                                      [](ZTItem &i, const QVariant &v) { i.setPriceLocale(v.toString()); }});
+    t.insert(ZTItemKey::pricePaidLocale, {[](const ZTItem &i) -> QVariant {
+                                              const QString c = i.pricePaidLocale();
+                                              return c.isNull() ? QVariant() : QVariant(c);
+                                          },
+                                          [](ZTItem &i, const QVariant &v) { i.setPricePaidLocale(v.toString()); }});
+    t.insert(ZTItemKey::keywords, {[](const ZTItem &i) -> QVariant { return i.keywords(); },
+                                   [](ZTItem &i, const QVariant &v) { i.setKeywords(toStringList(v)); }});
+    t.insert(QStringLiteral("keywordOids"), {[](const ZTItem &i) -> QVariant { return i.keywordOids(); }, nullptr});
+    t.insert(QStringLiteral("titleWithoutLeadingArticle"),
+             {[](const ZTItem &i) -> QVariant { return i.titleWithoutLeadingArticle(); }, nullptr});
+    t.insert(QStringLiteral("hasCoverImageFlag"), {[](const ZTItem &i) -> QVariant { return i.hasCoverImage(); }, nullptr});
+    t.insert(QStringLiteral("overdueFlag"), {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
+    t.insert(QStringLiteral("year"), {[](const ZTItem &i) { return i.year(); }, nullptr});
+    t.insert(QStringLiteral("originalYear"), {[](const ZTItem &i) { return i.originalYear(); }, nullptr});
+    t.insert(QStringLiteral("priceString"), {[](const ZTItem &i) -> QVariant { return i.priceString(); }, nullptr});
+    t.insert(QStringLiteral("pricePaidString"), {[](const ZTItem &i) -> QVariant { return i.pricePaidString(); }, nullptr});
+    t.insert(QStringLiteral("lentToName"), {[](const ZTItem &i) -> QVariant {
+                                                const QString s = i.lentToName();
+                                                return s.isNull() ? QVariant() : QVariant(s);
+                                            },
+                                            [](ZTItem &i, const QVariant &v) { i.setLentToName(v.toString()); }});
+    t.insert(QStringLiteral("lentToEmail"), {[](const ZTItem &i) -> QVariant {
+                                                 const QString s = i.lentToEmail();
+                                                 return s.isNull() ? QVariant() : QVariant(s);
+                                             },
+                                             [](ZTItem &i, const QVariant &v) { i.setLentToEmail(v.toString()); }});
+    t.insert(QStringLiteral("dateLent"), {[](const ZTItem &i) -> QVariant {
+                                              const QDateTime d = i.dateLent();
+                                              return d.isValid() ? QVariant(d) : QVariant();
+                                          },
+                                          [](ZTItem &i, const QVariant &v) { i.setDateLent(toDateTime(v)); }});
+    t.insert(ZTItemKey::dateDue, {[](const ZTItem &i) -> QVariant {
+                                      const QDateTime d = i.dateDue();
+                                      return d.isValid() ? QVariant(d) : QVariant();
+                                  },
+                                  [](ZTItem &i, const QVariant &v) { i.setDateDue(toDateTime(v)); }});
+    t.insert(QStringLiteral("lentOutFlag"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    // Picture data handed in through a dictionary, kept until the caller takes it.
+    t.insert(QStringLiteral("imageSmall"), {&transientGet<&Transient::imageSmall>, &transientSet<&Transient::imageSmall>});
+    t.insert(QStringLiteral("imageMedium"), {&transientGet<&Transient::imageMedium>, &transientSet<&Transient::imageMedium>});
+    t.insert(QStringLiteral("imageLarge"), {&transientGet<&Transient::imageLarge>, &transientSet<&Transient::imageLarge>});
+    t.insert(QStringLiteral("imageUser"), {&transientGet<&Transient::imageUser>, &transientSet<&Transient::imageUser>});
+    t.insert(QStringLiteral("imageSmallUrl"),
+             {&transientGet<&Transient::imageSmallUrl>, &transientSet<&Transient::imageSmallUrl>});
+    t.insert(QStringLiteral("imageMediumUrl"),
+             {&transientGet<&Transient::imageMediumUrl>, &transientSet<&Transient::imageMediumUrl>});
+    t.insert(QStringLiteral("imageLargeUrl"),
+             {&transientGet<&Transient::imageLargeUrl>, &transientSet<&Transient::imageLargeUrl>});
+    return t;
+}

@@ -1,0 +1,210 @@
+#pragma once
+
+#include "model/ZTMediaKind.h"
+#include "store/ZTManagedObject.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QImage>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <memory>
+
+class ZTImage;
+class ZTLendingContext;
+
+// One catalogued thing. Every subsystem moves data in and out of an item through
+// its attribute keys and its dictionary form; a key the item does not know reads
+// as nothing and writing it does nothing.
+class ZTItem : public ZTManagedObject {
+public:
+    ZTItem();
+    ~ZTItem() override;
+
+    virtual ZTMediaKind mediaKind() const = 0;
+    QString itemType() const { return ZTMediaKinds::itemType(mediaKind()); }
+    virtual QString xmlTagNameSingular() const = 0;
+    // The code attributes of the kind, in order ("isbn", "lccn" for a book).
+    virtual QStringList itemCodeTypes() const = 0;
+
+    // Creation and copying.
+    static ZTItem *itemFromAttributeDictionary(ZTMediaKind kind, const QVariantMap &dictionary,
+                                               ZTManagedObjectContext *context);
+    ZTItem *clone(ZTManagedObjectContext *target) const;
+
+    // The dictionary form.
+    QVariantMap dictionary() const;
+    void handleDictionary(const QVariantMap &dictionary);
+    bool takeAttributesFromDictionary(const QVariantMap &dictionary);
+    void clearAttributes(const QStringList &keys);
+
+    QVariant valueForKey(const QString &key) const override;
+    void setValueForKey(const QVariant &value, const QString &key) override;
+    bool hasKey(const QString &key) const;
+
+    // Derived values.
+    virtual void updateAttributes();
+    void updateTitleWithoutLeadingArticle();
+    void updateOverdueStatus();
+    void updateCoverImageStatus();
+
+    // Common attributes.
+    QString title() const;
+    void setTitle(const QString &title);
+    QString titleWithoutLeadingArticle() const { return m_titleWithoutLeadingArticle; }
+    QVariant year() const;
+    QVariant originalYear() const;
+    bool isOwned() const;
+    bool isLocked() const;
+    bool isSigned() const;
+    bool isUsed() const;
+    bool isOverdue() const { return m_overdueFlag; }
+    bool hasCoverImage() const { return m_hasCoverImageFlag; }
+    bool isNew() const { return isTemporaryID(); }
+    int rating() const;
+
+    // Locales by code; the currency falls back to the default row's code.
+    QString locale() const;
+    QString priceLocale() const;
+    QString pricePaidLocale() const;
+    void setLocale(const QString &code);
+    void setPriceLocale(const QString &code);
+    void setPricePaidLocale(const QString &code);
+    QString priceString() const;
+    QString pricePaidString() const;
+
+    // Keywords.
+    QStringList keywords() const;
+    void setKeywords(const QStringList &names);
+    const QStringList &keywordOids() const { return m_keywordOids; }
+    void setKeywordOids(const QStringList &oids);
+
+    // Lending.
+    ZTLendingContext *lendingContext() const;
+    QString lentToName() const;
+    QString lentToEmail() const;
+    QDateTime dateLent() const;
+    QDateTime dateDue() const;
+    void setLentToName(const QString &name);
+    void setLentToEmail(const QString &email);
+    void setDateLent(const QDateTime &date);
+    void setDateDue(const QDateTime &date);
+    bool isLentOut() const { return lendingContext() != nullptr; }
+    void removeLending();
+
+    // The cover.
+    ZTImage *coverImage() const;
+    QVariantMap handleImage(const QImage &image, const QByteArray &imageData, const QString &url,
+                            const QString &type, bool isUser);
+    // Runs handleImage and the store's file work in the order callers must keep.
+    void replaceCover(const QImage &image, const QByteArray &imageData, const QString &url, const QString &type,
+                      bool isUser);
+    QByteArray largestImageAvailable() const;
+    QByteArray largestImageAvailableUncached() const;
+    QImage image() const;
+    static bool isValidImage(const QByteArray &bytes);
+
+    // Search.
+    bool containsString(const QString &text) const;
+    QString indexedString() const;
+    virtual QStringList indexKeysSingle() const;
+    virtual QStringList indexKeysMultiple() const;
+
+    // Shop links: maps with "site" and "url".
+    QVariantList urlDictionariesWithAssociateTag(const QString &tag) const;
+    QString urlWithAssociateTag(const QString &tag) const;
+    QString url() const { return urlWithAssociateTag({}); }
+
+    void awakeFromInsert() override;
+    void awakeFromFetch() override;
+
+    // Shared names: the oid of the row with exactly that name, inserted if there is none.
+    QStringList oidArrayForIncomingArray(const QStringList &names, const QString &entityName);
+    QStringList namesForOids(const QStringList &oids, const QString &entityName) const;
+    // Role rows: maps with "name" and "role". `blankRole` says how a missing role is looked up.
+    enum class MissingRole { Empty, LiteralNil, Unset };
+    QStringList oidArrayForRoleDicts(const QVariantList &dicts, const QString &roleEntity, const QString &personEntity,
+                                     const QString &personKey, const QString &inverseKey, MissingRole missing);
+    QVariantList roleDictsForOids(const QStringList &oids, const QString &roleEntity, const QString &personKey) const;
+    QStringList personOidsForRoleOids(const QStringList &oids, const QString &roleEntity,
+                                      const QString &personKey) const;
+    static QStringList stringsForArray(const QVariantList &dicts, const QString &key);
+    // A list of texts from whatever list-like value a dictionary holds.
+    static QStringList variantToStrings(const QVariant &value);
+
+    // Transient picture data handed in through a dictionary.
+    struct Transient {
+        QByteArray imageSmall, imageMedium, imageLarge, imageUser;
+        QString imageSmallUrl, imageMediumUrl, imageLargeUrl;
+        QImage storedImage;
+    };
+    Transient &transient();
+    const Transient *transientIfAny() const { return m_transient.get(); }
+
+protected:
+    struct Accessor {
+        QVariant (*get)(const ZTItem &) = nullptr;
+        void (*set)(ZTItem &, const QVariant &) = nullptr;
+    };
+    using AccessorTable = QHash<QString, Accessor>;
+    static AccessorTable commonAccessors();
+
+    // Table entries built from member functions of a kind.
+    template <typename Kind, auto Method>
+    static QVariant read(const ZTItem &item)
+    {
+        return QVariant::fromValue((static_cast<const Kind &>(item).*Method)());
+    }
+    template <typename Kind, auto Method>
+    static QVariant readFirst(const ZTItem &item)
+    {
+        const QStringList values = (static_cast<const Kind &>(item).*Method)();
+        return values.isEmpty() ? QVariant() : QVariant(values.first());
+    }
+    template <typename Kind, auto Method>
+    static void writeStrings(ZTItem &item, const QVariant &value)
+    {
+        (static_cast<Kind &>(item).*Method)(variantToStrings(value));
+    }
+    template <typename Kind, auto Method>
+    static void writeList(ZTItem &item, const QVariant &value)
+    {
+        (static_cast<Kind &>(item).*Method)(value.toList());
+    }
+
+    virtual const AccessorTable &accessors() const = 0;
+
+    // Kind hooks.
+    virtual void addDictionaryValues(QVariantMap &dictionary) const = 0;
+    virtual void handleKindDictionary(const QVariantMap &dictionary) = 0;
+    virtual bool kindContainsString(const QString &text) const = 0;
+    virtual void decodeBlobs() = 0;
+
+    void storeOidArray(QStringList &member, const QStringList &oids, const QString &blobKey);
+    QStringList decodeOidBlob(const QString &blobKey) const;
+    void setDate(const QString &key, const QVariant &value);
+
+private:
+    QStringList m_keywordOids;
+    QString m_titleWithoutLeadingArticle;
+    bool m_overdueFlag = false;
+    bool m_hasCoverImageFlag = false;
+    std::unique_ptr<Transient> m_transient;
+};
+
+namespace ZTItemKey {
+inline const QString oid = QStringLiteral("oid");
+inline const QString title = QStringLiteral("title");
+inline const QString locale = QStringLiteral("locale");
+inline const QString priceLocale = QStringLiteral("priceLocale");
+inline const QString pricePaidLocale = QStringLiteral("pricePaidLocale");
+inline const QString keywords = QStringLiteral("keywords");
+inline const QString allKeys = QStringLiteral("allKeys");
+inline const QString image = QStringLiteral("image");
+inline const QString imageUrl = QStringLiteral("imageUrl");
+inline const QString originalIsbn = QStringLiteral("originalIsbn");
+inline const QString dateAdded = QStringLiteral("dateAdded");
+inline const QString dateModified = QStringLiteral("dateModified");
+inline const QString dateDue = QStringLiteral("dateDue");
+} // namespace ZTItemKey

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "store/ZTEntity.h"
+
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+#include <memory>
+#include <vector>
+
+class ZTManagedObjectContext;
+
+// One row of the object store. Stored attribute values live in a compact,
+// sparse array (only values that are set take room), so that a library of a
+// hundred thousand items stays small in memory.
+class ZTManagedObject {
+public:
+    ZTManagedObject();
+    virtual ~ZTManagedObject();
+    ZTManagedObject(const ZTManagedObject &) = delete;
+    ZTManagedObject &operator=(const ZTManagedObject &) = delete;
+
+    const ZTEntity *entity() const { return m_entity; }
+    QString entityName() const { return m_entity ? m_entity->name : QString(); }
+    ZTManagedObjectContext *managedObjectContext() const { return m_context; }
+
+    // Generic key-value access. Unknown keys read as nothing and writes to them
+    // are ignored; subclasses add derived and computed keys.
+    virtual QVariant valueForKey(const QString &key) const;
+    virtual void setValueForKey(const QVariant &value, const QString &key);
+
+    // Raw access to stored attributes by slot, without side effects beyond
+    // change tracking.
+    QVariant primitiveValue(int slot) const;
+    void setPrimitiveValue(int slot, const QVariant &value);
+    QVariant primitiveValueForKey(const QString &key) const;
+    void setPrimitiveValueForKey(const QVariant &value, const QString &key);
+
+    ZTManagedObject *toOne(int slot) const;
+    void setToOne(int slot, ZTManagedObject *target);
+    ZTManagedObject *toOneForKey(const QString &key) const;
+    void setToOneForKey(const QString &key, ZTManagedObject *target);
+    const QList<ZTManagedObject *> &toMany(int slot) const;
+    const QList<ZTManagedObject *> &toManyForKey(const QString &key) const;
+
+    // The oid attribute, for entities that have one.
+    QString oid() const;
+
+    // Identity: the primary key once committed; 0 while the identity is temporary.
+    qint64 primaryKey() const { return m_primaryKey; }
+    bool isTemporaryID() const { return m_primaryKey == 0; }
+    // Text form of the identity: "x-zettary://STORE/Entity/pN", or ".../tN" while temporary.
+    QString objectIDURI() const;
+
+    bool isInserted() const { return m_state == State::Inserted; }
+    bool isDeleted() const { return m_deleted; }
+    bool isUpdated() const { return m_state == State::Stored && m_dirty != 0 && !m_deleted; }
+    bool hasChanges() const { return isInserted() || isUpdated() || m_deleted; }
+
+    virtual void awakeFromInsert();
+    virtual void awakeFromFetch();
+
+    // The value as the attribute stores it (a number for an integer, UTC for a date …).
+    static QVariant normalized(const ZTAttribute &attribute, const QVariant &value);
+
+private:
+    friend class ZTManagedObjectContext;
+    friend class ZTObjectStore;
+    enum class State : quint8 { New, Inserted, Stored };
+
+    void setUp(const ZTEntity *entity, ZTManagedObjectContext *context);
+    void markDirty(quint64 bits);
+    int valueIndex(int slot) const;
+
+    const ZTEntity *m_entity = nullptr;
+    ZTManagedObjectContext *m_context = nullptr;
+    qint64 m_primaryKey = 0;
+    quint64 m_temporaryNumber = 0;
+    quint64 m_present = 0; // which attribute slots hold a value
+    quint64 m_dirty = 0;   // attribute slots changed since load (bit 63: relationships)
+    quint32 m_dirtyRelations = 0;
+    State m_state = State::New;
+    bool m_deleted = false;
+    bool m_inUpdatedList = false;
+    std::vector<QVariant> m_values;                         // dense over present slots, in slot order
+    std::unique_ptr<ZTManagedObject *[]> m_toOne;           // by to-one slot
+    std::unique_ptr<QList<ZTManagedObject *>[]> m_toMany;   // by to-many slot, kept in memory only
+    std::unique_ptr<qint64[]> m_pendingKeys;                // foreign keys read at load, until resolved
+};

@@ -1,0 +1,108 @@
+#pragma once
+
+#include "store/ZTManagedObject.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class ZTObjectStore;
+class ZTObjectModel;
+
+// A library's working session on its store: every row in memory, the change
+// sets since the last commit, the oid table, and the picture files staged for
+// the next commit.
+class ZTManagedObjectContext {
+public:
+    explicit ZTManagedObjectContext(const ZTObjectModel &model);
+    ~ZTManagedObjectContext();
+
+    // Opens (creating tables that are missing) the store at `documentPath`/data.sql
+    // and reads every row into memory. Returns false with a message when the file
+    // cannot be opened as a store.
+    bool open(const QString &documentPath, QString *error = nullptr);
+    bool isOpen() const;
+    // A session without a file, for items that never reach a library (lookups, imports in preview).
+    void openInMemory();
+
+    QString uniqueId() const { return m_uniqueId; }
+    QString storeIdentifier() const { return m_storeIdentifier; }
+    QString documentPath() const { return m_documentPath; }
+    QString dataFilePath() const;
+    QString imageFolderPath() const;
+    QString stagingFolderPath() const;
+    static QString stagingRootPath(); // the temporary "ZettaryImages" folder
+
+    // Rows.
+    ZTManagedObject *insertNewObject(const QString &entityName);
+    void deleteObject(ZTManagedObject *object);
+    // All rows of the entity (and its sub-entities) that are not deleted,
+    // optionally where `key` equals `value` (an attribute, or a to-one relationship
+    // compared with a ZTManagedObject* held in the variant), optionally sorted.
+    QList<ZTManagedObject *> fetch(const QString &entityName, const QString &key = {}, const QVariant &value = {},
+                                   const QString &sortKey = {}, bool ascending = true) const;
+    QList<ZTManagedObject *> fetchRelated(const QString &entityName, const QString &relationship,
+                                          const ZTManagedObject *target) const;
+    ZTManagedObject *objectWithURI(const QString &uri) const;
+    ZTManagedObject *objectWithPrimaryKey(const QString &entityName, qint64 primaryKey) const;
+
+    QList<ZTManagedObject *> insertedObjects() const;
+    QList<ZTManagedObject *> updatedObjects() const;
+    QList<ZTManagedObject *> deletedObjects() const;
+    bool hasChanges() const;
+
+    // One atomic commit of rows, then the picture files. On failure nothing on
+    // disk moves and the change sets stay.
+    bool save(QString *error = nullptr);
+
+    // The oid table: entity name to (oid to row).
+    QHash<QString, QHash<QString, ZTManagedObject *>> &oidObjectDictionary() { return m_oidTable; }
+    ZTManagedObject *objectForEntity(const QString &entityName, const QString &oid) const;
+    QList<ZTManagedObject *> objectsForEntity(const QString &entityName, const QStringList &oids) const;
+    void updateOidObjectDictionaryWithObjects(const QList<ZTManagedObject *> &objects, const QString &entityName);
+    void setOidObject(const QString &entityName, const QString &oid, ZTManagedObject *object);
+    void removeOidObject(const QString &entityName, const QString &oid);
+
+    // Shared rows by name (or by person and role), first row first; built on
+    // first use from the oid table and kept in step by the callers that insert.
+    QHash<QString, ZTManagedObject *> &nameIndex(const QString &entityName);
+    static QString roleIndexKey(const QString &personName, const QString &role);
+
+    // Pictures.
+    void insertImageWithFilename(const QString &filename, const QByteArray &data);
+    void insertImageWithFilename(const QString &filename, const QString &originalFilename,
+                                 const ZTManagedObjectContext *source, bool isNew);
+    void deleteImageWithFilename(const QString &filename);
+    const QSet<QString> &imagesDeleted() const { return m_imagesDeleted; }
+
+    const ZTObjectModel &model() const { return m_model; }
+
+private:
+    friend class ZTManagedObject;
+    friend class ZTObjectStore;
+    void noteUpdated(ZTManagedObject *object);
+    ZTManagedObject *create(const ZTEntity *entity);
+    void registerObject(ZTManagedObject *object);
+    void forgetDeleted();
+
+    const ZTObjectModel &m_model;
+    std::unique_ptr<ZTObjectStore> m_store;
+    QString m_uniqueId;
+    QString m_storeIdentifier;
+    QString m_documentPath;
+    bool m_inMemory = false;
+    std::vector<std::unique_ptr<ZTManagedObject>> m_owned;
+    QHash<const ZTEntity *, QList<ZTManagedObject *>> m_byEntity;
+    QList<ZTManagedObject *> m_inserted;
+    QList<ZTManagedObject *> m_updated;
+    QList<ZTManagedObject *> m_deleted;
+    QHash<QString, QHash<QString, ZTManagedObject *>> m_oidTable;
+    QSet<QString> m_imagesDeleted;
+    QHash<QString, QHash<QString, ZTManagedObject *>> m_nameIndex;
+    quint64 m_nextTemporary = 1;
+};
