@@ -56,12 +56,18 @@ private Q_SLOTS:
         QTest::newRow("separator runs collapse") << dmy << "4 // 3 -- 2001" << march4;
         QTest::newRow("words between numbers") << dmy << "the 4th of 3, 2001" << march4;
         QTest::newRow("only three runs count") << dmy << "4/3/2001/99" << march4;
-        QTest::newRow("month first") << "%m/%d/%Y" << "03/04/2001" << march4;
-        QTest::newRow("year first") << "%Y-%m-%d" << "2001-03-04" << march4;
-        QTest::newRow("year day month") << "%Y %d %m" << "2001 04 03" << march4;
-        QTest::newRow("unpadded tokens") << "%e.%1m.%Y" << "4.3.2001" << march4;
-        QTest::newRow("two-digit year is 1900s") << "%d/%m/%y" << "04/03/05" << QDate(1905, 3, 4);
-        QTest::newRow("two-digit token adds 1900 to any year") << "%d/%m/%y" << "04/03/2005" << QDate(3905, 3, 4);
+        QTest::newRow("month first") << "%m/%d/%Y"
+                                     << "03/04/2001" << march4;
+        QTest::newRow("year first") << "%Y-%m-%d"
+                                    << "2001-03-04" << march4;
+        QTest::newRow("year day month") << "%Y %d %m"
+                                        << "2001 04 03" << march4;
+        QTest::newRow("unpadded tokens") << "%e.%1m.%Y"
+                                         << "4.3.2001" << march4;
+        QTest::newRow("two-digit year is 1900s") << "%d/%m/%y"
+                                                 << "04/03/05" << QDate(1905, 3, 4);
+        QTest::newRow("two-digit token adds 1900 to any year") << "%d/%m/%y"
+                                                               << "04/03/2005" << QDate(3905, 3, 4);
         QTest::newRow("full year as typed") << dmy << "04/03/05" << QDate(5, 3, 4);
         QTest::newRow("year zero is the year before 1") << dmy << "01/01/0" << QDate(-1, 1, 1);
         QTest::newRow("day past month end runs on") << dmy << "31/02/2001" << QDate(2001, 3, 3);
@@ -83,12 +89,17 @@ private Q_SLOTS:
         QTest::newRow("day overflowing an int to 1") << dmy << "4294967297/3/2001" << QDate();
         QTest::newRow("huge month") << dmy << "4/4294967299/2001" << QDate();
         QTest::newRow("huge year") << dmy << "4/3/99999999999999999999" << QDate();
-        QTest::newRow("huge two-digit year") << "%d/%m/%y" << "4/3/99999999999999999999" << QDate();
+        QTest::newRow("huge two-digit year") << "%d/%m/%y"
+                                             << "4/3/99999999999999999999" << QDate();
         QTest::newRow("minus sign is a separator") << dmy << "-4/-3/-2001" << march4;
-        QTest::newRow("format without a day") << "%m/%Y" << "3/2001/4" << QDate();
-        QTest::newRow("format without a month") << "%d/%Y" << "4/2001/3" << QDate();
-        QTest::newRow("format without a year") << "%d/%m" << "4/3/2001" << QDate();
-        QTest::newRow("empty format") << "" << "4/3/2001" << QDate();
+        QTest::newRow("format without a day") << "%m/%Y"
+                                              << "3/2001/4" << QDate();
+        QTest::newRow("format without a month") << "%d/%Y"
+                                                << "4/2001/3" << QDate();
+        QTest::newRow("format without a year") << "%d/%m"
+                                               << "4/3/2001" << QDate();
+        QTest::newRow("empty format") << ""
+                                      << "4/3/2001" << QDate();
     }
     void parses()
     {
@@ -170,13 +181,20 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("pattern");
         QTest::addColumn<QString>("format");
-        QTest::newRow("padded") << "dd.MM.yyyy" << "%d.%m.%Y";
-        QTest::newRow("unpadded month first") << "M/d/yyyy" << "%1m/%e/%Y";
-        QTest::newRow("year first") << "yyyy/MM/dd" << "%Y/%m/%d";
-        QTest::newRow("fallback year symbol") << "MM/dd/YYYY" << "%m/%d/%Y";
-        QTest::newRow("two-digit year") << "d-M-yy" << "%e-%1m-%y";
-        QTest::newRow("year alone") << "yyyy" << "%Y";
-        QTest::newRow("empty") << "" << "";
+        QTest::newRow("padded") << "dd.MM.yyyy"
+                                << "%d.%m.%Y";
+        QTest::newRow("unpadded month first") << "M/d/yyyy"
+                                              << "%1m/%e/%Y";
+        QTest::newRow("year first") << "yyyy/MM/dd"
+                                    << "%Y/%m/%d";
+        QTest::newRow("fallback year symbol") << "MM/dd/YYYY"
+                                              << "%m/%d/%Y";
+        QTest::newRow("two-digit year") << "d-M-yy"
+                                        << "%e-%1m-%y";
+        QTest::newRow("year alone") << "yyyy"
+                                    << "%Y";
+        QTest::newRow("empty") << ""
+                               << "";
     }
     void formatFromDatePattern()
     {
