@@ -149,6 +149,30 @@ private Q_SLOTS:
         QVERIFY(!error.isEmpty());
     }
 
+    // Typed text is anything at all: random characters from digits of several
+    // scripts, separators, letters and surrogates must never crash the parser,
+    // and whatever it accepts is a real date at midnight.
+    void randomTextNeverCrashes()
+    {
+        const QString alphabet = QStringLiteral("0123456789/.- ax%\t٣٤０９") + QChar(0xD800) + QChar(0xDC00);
+        QRandomGenerator random(20011);
+        const ZTDateFormatter formatter(QStringLiteral("%d/%m/%y"));
+        int accepted = 0;
+        for (int i = 0; i < 20000; ++i) {
+            QString text;
+            const int length = random.bounded(40);
+            for (int j = 0; j < length; ++j)
+                text += alphabet.at(random.bounded(int(alphabet.size())));
+            QVariant value;
+            if (formatter.getObjectValue(&value, text) && value.isValid()) {
+                ++accepted;
+                QVERIFY(value.toDateTime().isValid());
+                QCOMPARE(value.toDateTime().time(), QTime(0, 0));
+            }
+        }
+        QVERIFY(accepted > 0);
+    }
+
     void roundTripsEveryDayOfALeapYear_data()
     {
         QTest::addColumn<QString>("format");
