@@ -131,8 +131,8 @@ bool ZTDateFormatter::getObjectValue(QVariant *value, const QString &string, QSt
         return fail("The day must lie between 1 and 31.");
     if (month < 1 || month > 12)
         return fail("The month must lie between 1 and 12.");
-    // A two-digit year always falls in the 1900s: "05" is 1905. Libraries hold
-    // dates entered this way, so the rule is kept rather than windowed.
+    // A two-digit year always falls in the 1900s: "05" is 1905. This is kept
+    // rather than windowed, so that typing means what it always has.
     if (fullYearAt < 0 && year < tooLarge)
         year += 1900;
 

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVariant>
 
+#include <limits>
+
 // The text-to-date formatter of the edit sheets. Its format text uses tokens
 // rather than locale symbols:
 //   "%d" two-digit day      "%e"  day without padding
