@@ -62,10 +62,15 @@ private Q_SLOTS:
             QVERIFY2(!symbols.value(code).toString().isEmpty(), qPrintable(code));
     }
 
-    void deweyNamesCoverTheDivisions()
+    void deweyNamesCoverTheSections()
     {
         const QVariantMap &names = ZTItemResources::deweyClassNames();
         QCOMPARE(names.value("500").toString(), QStringLiteral("Science"));
+        QCOMPARE(names.value("823").toString(), QStringLiteral("English fiction"));
+        QCOMPARE(names.value("942").toString(), QStringLiteral("England & Wales"));
+        // Sections left unassigned in the classification have no name.
+        QVERIFY(!names.contains("040"));
+        QVERIFY(names.size() > 900);
         for (int division = 0; division < 1000; division += 10) {
             const QString key = QStringLiteral("%1").arg(division, 3, 10, QLatin1Char('0'));
             // 040 is the one division left unassigned.
