@@ -1,5 +1,7 @@
 #include "model/ZTItemText.h"
 
+#include "TextCompare.h"
+
 #include <QtTest>
 
 class TestItemText : public QObject {
@@ -96,9 +98,31 @@ private Q_SLOTS:
         QFETCH(QString, title);
         QFETCH(QString, locale);
         QFETCH(QString, expected);
-        const QString result = ZTItemText::titleWithoutLeadingArticle(title, locale);
-        QCOMPARE(result, expected);
-        QCOMPARE(result.isNull(), expected.isNull());
+        COMPARE_TEXT(ZTItemText::titleWithoutLeadingArticle(title, locale), expected);
+    }
+
+    void hostileText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("lone high surrogate") << QStringLiteral("The ") + QChar(0xD800);
+        QTest::newRow("lone low surrogate first") << QChar(0xDC00) + QStringLiteral("A Title");
+        QTest::newRow("punctuation outside the basic plane") << QStringLiteral("𐄀The End𐄀");
+        QTest::newRow("nul characters") << QString::fromUtf16(u"\0The\0 \0", 7);
+        QTest::newRow("long title") << QStringLiteral("The ") + QString(200000, QLatin1Char('x'));
+        QTest::newRow("only punctuation") << QString(1000, QLatin1Char('!'));
+        QTest::newRow("only blanks") << QStringLiteral(" \t\r\n ");
+    }
+
+    void hostileText()
+    {
+        QFETCH(QString, text);
+        for (const QString &locale : {"US", "FR", "IT", "", "\xff"}) {
+            const QString title = ZTItemText::titleWithoutLeadingArticle(text, locale);
+            QVERIFY(text.contains(title));
+        }
+        QVERIFY(ZTItemText::lastNameFirst(text).size() <= text.size() + 2);
+        const QVariantList dicts = {QVariantMap{{"name", text}, {"role", text}}};
+        QCOMPARE(ZTItemText::authorArrays(dicts).authorsWithTypes.size(), 1);
     }
 
     void articleTablesHaveTheirLanguages()
@@ -203,9 +227,7 @@ private Q_SLOTS:
         QFETCH(QVariant, number);
         QFETCH(QVariant, count);
         QFETCH(QString, expected);
-        const QString result = ZTItemText::issueNumberCountString(number, count);
-        QCOMPARE(result, expected);
-        QCOMPARE(result.isNull(), expected.isNull());
+        COMPARE_TEXT(ZTItemText::issueNumberCountString(number, count), expected);
     }
 };
 
