@@ -3,11 +3,13 @@
 // One table of every command. Each command's code lives in its own file.
 namespace ZTCliCommands {
 int help(const QStringList &args);
+int scan(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
 const ZTCli::Command s_commands[] = {
     {"help", "", "show this list", &ZTCliCommands::help},
+    {"scan", "IMAGE... [--json]", "read the EAN-13 barcode in each picture", &ZTCliCommands::scan},
 };
 } // namespace
 
