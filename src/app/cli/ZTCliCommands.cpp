@@ -4,6 +4,7 @@
 namespace ZTCliCommands {
 int help(const QStringList &args);
 int code(const QStringList &args);
+int scan(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -13,6 +14,7 @@ const ZTCli::Command s_commands[] = {
      "print the code a library of the kind (default book) finds in TEXT as JSON;\n"
      "      exit 1 with a message when TEXT holds no code",
      &ZTCliCommands::code},
+    {"scan", "IMAGE... [--json]", "read the EAN-13 barcode in each picture", &ZTCliCommands::scan},
 };
 } // namespace
 

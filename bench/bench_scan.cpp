@@ -1,0 +1,185 @@
+// Decode rate and time per 480-wide frame of the EAN-13 reader, for clean and
+// degraded renders. Also counts heap allocations inside sweeps.
+//
+//   bench_scan [codes-per-degradation]
+
+#include "scan/ZTBarcodeValidator.h"
+#include "scan/ZTImageManager.h"
+#include "scan/ZTSecondaryScanState.h"
+#include "scan/ZTStillImageScanner.h"
+
+#include "../tests/support/ZTBarcodeRenderer.h"
+#include "../tests/support/ZTImageDegradations.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory_resource>
+#include <new>
+#include <random>
+#include <vector>
+
+namespace {
+std::atomic<long> s_allocations{0};
+}
+
+void *operator new(std::size_t size)
+{
+    ++s_allocations;
+    if (void *p = std::malloc(size ? size : 1))
+        return p;
+    throw std::bad_alloc();
+}
+void *operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+void operator delete(void *p) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void *p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void *p, std::size_t) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void *p, std::size_t) noexcept
+{
+    std::free(p);
+}
+
+namespace {
+
+using Degrade = std::function<QImage(const QImage &, unsigned seed)>;
+namespace D = ZTImageDegradations;
+
+struct Case {
+    const char *name;
+    Degrade degrade;
+    ZTBarcodeRenderer::Options options;
+};
+
+double percentile(std::vector<double> v, double q)
+{
+    if (v.empty())
+        return 0;
+    std::sort(v.begin(), v.end());
+    return v[std::min(v.size() - 1, size_t(q * double(v.size())))];
+}
+
+// Heap allocations made by the sweeps of one frame, with the pass memory set
+// up the way a pass does before it sweeps.
+long allocationsInSweeps(const QImage &frame)
+{
+    ZTImageManager manager(frame);
+    static std::byte buffer[256 * 1024];
+    std::pmr::monotonic_buffer_resource memory(buffer, sizeof buffer, std::pmr::new_delete_resource());
+    ZTBarcodeValidator validator(1, &memory);
+    ZTBarcodeValidator *const validators[] = {&validator};
+    qint64 band[ZTImageManager::s_maxBandSize + 1];
+    const long before = s_allocations.load();
+    qint64 t = 128;
+    t = manager.adjustedThresholdWithValidatorList(validators, band, t, 90, 5);
+    t = manager.adjustedThresholdWithValidatorList(validators, band, t, 270, 5);
+    return s_allocations.load() - before;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    const int perCase = argc > 1 ? std::max(1, atoi(argv[1])) : 40;
+
+    ZTBarcodeRenderer::Options plain;
+    ZTBarcodeRenderer::Options framed;
+    framed.frame = true;
+    ZTBarcodeRenderer::Options small;
+    small.moduleWidth = 1;
+    small.width = 200;
+    small.height = 125;
+    small.barHeight = 50;
+    ZTBarcodeRenderer::Options square; // so that a quarter turn still fits the reader
+    square.width = 420;
+    square.height = 420;
+    ZTBarcodeRenderer::Options wide;
+    wide.moduleWidth = 2;
+
+    const std::vector<Case> cases = {
+        {"clean", [](const QImage &i, unsigned) { return i; }, plain},
+        {"clean, 2 px modules", [](const QImage &i, unsigned) { return i; }, wide},
+        {"framed label", [](const QImage &i, unsigned) { return i; }, framed},
+        {"rotated 3 deg", [](const QImage &i, unsigned) { return D::rotate(i, 3); }, plain},
+        {"rotated 8 deg", [](const QImage &i, unsigned) { return D::rotate(i, 8); }, plain},
+        {"rotated 90", [](const QImage &i, unsigned) { return D::quarterTurn(i, 1); }, square},
+        {"rotated 180", [](const QImage &i, unsigned) { return D::quarterTurn(i, 2); }, plain},
+        {"rotated 270", [](const QImage &i, unsigned) { return D::quarterTurn(i, 3); }, square},
+        {"blur r1", [](const QImage &i, unsigned) { return D::blur(i, 1); }, plain},
+        {"blur r2", [](const QImage &i, unsigned) { return D::blur(i, 2); }, plain},
+        {"noise s20", [](const QImage &i, unsigned s) { return D::noise(i, 20, s); }, plain},
+        {"noise s45", [](const QImage &i, unsigned s) { return D::noise(i, 45, s); }, plain},
+        {"low contrast 100-160", [](const QImage &i, unsigned) { return D::lowContrast(i, 100, 160); },
+         plain},
+        {"uneven light 60%", [](const QImage &i, unsigned) { return D::unevenLight(i, 0.6); }, plain},
+        {"perspective 10%", [](const QImage &i, unsigned) { return D::perspective(i, 0.10); }, plain},
+        {"jpeg q30", [](const QImage &i, unsigned) { return D::jpeg(i, 30); }, plain},
+        {"jpeg q10", [](const QImage &i, unsigned) { return D::jpeg(i, 10); }, plain},
+        {"small 1 px modules", [](const QImage &i, unsigned) { return i; }, small},
+        {"no code (blank)", [](const QImage &i, unsigned) { return D::lowContrast(i, 200, 200); }, plain},
+    };
+
+    std::mt19937 random(20261123);
+    std::uniform_int_distribution<int> digit(0, 9);
+    std::printf("%-22s %8s %10s %10s %10s %12s\n", "degradation", "read", "median ms", "p90 ms", "first ms",
+                "sweep allocs");
+    for (const Case &c : cases) {
+        int read = 0;
+        std::vector<double> frameTimes, firstTimes;
+        long sweepAllocations = 0;
+        for (int n = 0; n < perCase; ++n) {
+            QString twelve;
+            for (int i = 0; i < 12; ++i)
+                twelve += QString::number(digit(random));
+            const QString code = ZTBarcodeRenderer::withCheckDigit(twelve);
+            const QImage frame = ZTStillImageScanner::frameFromImage(
+                c.degrade(ZTBarcodeRenderer::render(code, c.options), 7u + n));
+            if (frame.isNull())
+                continue;
+            if (ZTStillImageScanner::scanFrame(frame) == code)
+                ++read;
+            sweepAllocations = std::max(sweepAllocations, allocationsInSweeps(frame));
+
+            // One frame as the loop handles it, reader made afresh; and the
+            // first reader alone.
+            ZTScanContext context;
+            ZTSecondaryScanState votes;
+            QElapsedTimer timer;
+            timer.start();
+            {
+                ZTImageManager manager(frame);
+                ZTStillImageScanner::codeForFrame(manager, context, votes);
+            }
+            frameTimes.push_back(double(timer.nsecsElapsed()) / 1e6);
+            timer.restart();
+            {
+                ZTImageManager manager(frame);
+                manager.scanResultsForScanContext(ZTScanContext());
+            }
+            firstTimes.push_back(double(timer.nsecsElapsed()) / 1e6);
+        }
+        std::printf("%-22s %7.0f%% %10.3f %10.3f %10.3f %12ld\n", c.name, 100.0 * read / perCase,
+                    percentile(frameTimes, 0.5), percentile(frameTimes, 0.9), percentile(firstTimes, 0.5),
+                    sweepAllocations);
+        std::fflush(stdout);
+    }
+    return 0;
+}

@@ -1,0 +1,103 @@
+#include "scan/ZTStillImageScanner.h"
+
+#include "scan/ZTImageManager.h"
+#include "scan/ZTSecondaryScanState.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+
+QImage ZTStillImageScanner::frameFromImage(const QImage &picture)
+{
+    if (picture.isNull() || picture.width() <= 0 || picture.height() <= 0)
+        return {};
+    const qint64 height =
+        std::max<qint64>(1, qRound64(double(picture.height()) * s_frameWidth / picture.width()));
+    if (height > ZTImageManager::s_maxSide)
+        return {};
+    QImage frame =
+        picture.width() == s_frameWidth && picture.height() == height
+            ? picture
+            : picture.scaled(s_frameWidth, int(height), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (frame.hasAlphaChannel()) {
+        // The camera hands over opaque frames; a transparent picture is laid
+        // on white, as it would appear on screen.
+        QImage opaque(frame.size(), QImage::Format_RGB32);
+        opaque.fill(Qt::white);
+        QPainter painter(&opaque);
+        painter.drawImage(0, 0, frame);
+        painter.end();
+        frame = opaque;
+    }
+    return frame;
+}
+
+QString ZTStillImageScanner::codeForFrame(ZTImageManager &imageManager, ZTScanContext &context,
+                                          ZTSecondaryScanState &votes)
+{
+    const ZTScanContext copy = context;
+    const QList<ZTScanResult> results = imageManager.scanResultsForScanContext(copy);
+    if (!results.isEmpty() && (!imageManager.hasCalculatedThreshold() || results.size() >= copy.barcodeCount))
+        return results.first().decodedString();
+    if (imageManager.hasCalculatedThreshold() && results.size() < copy.barcodeCount) {
+        // Nothing at the first threshold: try the whole ladder around mid-grey.
+        const qint64 oldThreshold = context.threshold;
+        context.threshold = 128;
+        context.thresholdMargin = 100;
+        context.thresholdDelta = 10;
+        const QList<ZTScanResult> retried = imageManager.scanResultsForScanContext(context);
+        context.threshold = oldThreshold;
+        context.thresholdMargin = 0;
+        if (!retried.isEmpty())
+            return retried.first().decodedString();
+    }
+    return imageManager.secondaryScanCode(votes);
+}
+
+QString ZTStillImageScanner::scanFrame(const QImage &frame)
+{
+    if (frame.isNull() || frame.width() > ZTImageManager::s_maxSide ||
+        frame.height() > ZTImageManager::s_maxSide)
+        return {};
+    ZTScanContext context;
+    ZTSecondaryScanState votes;
+    for (int i = 0; i < s_frames; ++i) {
+        try {
+            // Every frame gets a fresh reader, as in the camera loop.
+            auto imageManager = std::make_unique<ZTImageManager>(frame);
+            const QString code = codeForFrame(*imageManager, context, votes);
+            if (!code.isEmpty())
+                return code;
+        } catch (const std::exception &) {
+            // The loop drops a frame whose reading failed.
+        }
+    }
+    return {};
+}
+
+QString ZTStillImageScanner::scanImage(const QImage &picture)
+{
+    return scanFrame(frameFromImage(picture));
+}
+
+QString ZTStillImageScanner::scanRawBytes(const unsigned char *data, size_t size)
+{
+    if (!data || size < 4)
+        return {};
+    const int width = data[0] | (data[1] << 8);
+    const int height = data[2] | (data[3] << 8);
+    if (width <= 0 || height <= 0 || width > ZTImageManager::s_maxSide || height > ZTImageManager::s_maxSide)
+        return {};
+    QImage frame(width, height, QImage::Format_Grayscale8);
+    frame.fill(255);
+    size_t next = 4;
+    for (int y = 0; y < height && next < size; ++y) {
+        uchar *line = frame.scanLine(y);
+        const size_t take = std::min<size_t>(size_t(width), size - next);
+        std::copy(data + next, data + next + take, line);
+        next += take;
+    }
+    return scanFrame(frame);
+}
