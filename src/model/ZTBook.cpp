@@ -1,6 +1,7 @@
 #include "model/ZTBook.h"
 
 #include "model/ZTItemDerived.h"
+#include "model/ZTItemText.h"
 #include "model/ZTSharedRows.h"
 
 namespace {
@@ -13,24 +14,6 @@ const ZTRoleEntity &s_roles = ZTRoleEntities::author;
 
 QStringList toStrings(const QVariant &v) { return ZTItem::variantToStrings(v); }
 
-// A shown author: "ent." marks a corporate author, shown as it stands.
-void authorForms(const QVariantMap &dict, QString *plain, QString *sorted)
-{
-    const QString name = dict.value(s_name).toString().trimmed();
-    const QString role = dict.value(s_role).toString().trimmed();
-    if (role == QLatin1String("ent.")) {
-        *plain = name;
-        *sorted = name;
-        return;
-    }
-    *plain = name;
-    *sorted = ZTItemDerived::lastNameFirst(name);
-    if (!role.isEmpty()) {
-        const QString suffix = QStringLiteral(" (") + ZTItemDerived::localizedRole(role) + QLatin1Char(')');
-        *plain += suffix;
-        *sorted += suffix;
-    }
-}
 } // namespace
 
 QStringList ZTBook::itemCodeTypes() const { return {QStringLiteral("isbn"), QStringLiteral("lccn")}; }
@@ -90,14 +73,9 @@ QString ZTBook::deweyClassNumberDisplayString() const
 
 void ZTBook::updateAuthors()
 {
-    m_authorsWithTypes.clear();
-    m_authorsWithTypesByLastNameFirstName.clear();
-    for (const QVariant &entry : authorRoleDicts()) {
-        QString plain, sorted;
-        authorForms(entry.toMap(), &plain, &sorted);
-        m_authorsWithTypes << plain;
-        m_authorsWithTypesByLastNameFirstName << sorted;
-    }
+    const ZTItemText::AuthorArrays arrays = ZTItemText::authorArrays(authorRoleDicts());
+    m_authorsWithTypes = arrays.authorsWithTypes;
+    m_authorsWithTypesByLastNameFirstName = arrays.authorsWithTypesByLastNameFirstName;
 }
 
 void ZTBook::updateVolumeNumber()

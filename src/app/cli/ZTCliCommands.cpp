@@ -3,6 +3,13 @@
 // One table of every command. Each command's code lives in its own file.
 namespace ZTCliCommands {
 int help(const QStringList &args);
+int newLibrary(const QStringList &args);
+int info(const QStringList &args);
+int add(const QStringList &args);
+int get(const QStringList &args);
+int set(const QStringList &args);
+int remove(const QStringList &args);
+int cover(const QStringList &args);
 int code(const QStringList &args);
 int scan(const QStringList &args);
 } // namespace ZTCliCommands
@@ -10,6 +17,17 @@ int scan(const QStringList &args);
 namespace {
 const ZTCli::Command s_commands[] = {
     {"help", "", "show this list", &ZTCliCommands::help},
+    {"new", "PATH --kind book|music|movie|comic",
+     "create an empty library (the package extension follows the kind)", &ZTCliCommands::newLibrary},
+    {"info", "PATH [--json]", "print the library's kind, item count and number of lists", &ZTCliCommands::info},
+    {"add", "PATH FILE|-",
+     "add items from their dictionary form as JSON (one object or an array); prints the new oids",
+     &ZTCliCommands::add},
+    {"get", "PATH OID", "print an item's dictionary form as JSON", &ZTCliCommands::get},
+    {"set", "PATH OID KEY=VALUE...",
+     "change attributes (VALUE is JSON where it reads as such: [\"a\",\"b\"], 12, true)", &ZTCliCommands::set},
+    {"remove", "PATH OID...", "remove items from the library and from every list", &ZTCliCommands::remove},
+    {"cover", "PATH OID IMAGEFILE", "give an item a cover picture", &ZTCliCommands::cover},
     {"code", "TEXT [--kind book|music|movie|comic]",
      "print the code a library of the kind (default book) finds in TEXT as JSON;\n"
      "      exit 1 with a message when TEXT holds no code",

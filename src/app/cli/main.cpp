@@ -1,10 +1,14 @@
 #include "app/cli/ZTCli.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QTextStream>
 
 #include <memory>
+
+#include <unistd.h>
 
 namespace ZTCliCommands {
 int help(const QStringList &)
@@ -30,6 +34,15 @@ int main(int argc, char **argv)
     // offscreen platform serves.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Scripts often run without a session; give Qt a private runtime folder so it
+    // does not warn on every call.
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        const QByteArray runtime = QDir::tempPath().toUtf8() + "/zettary-runtime-" + QByteArray::number(getuid());
+        QDir().mkpath(QString::fromUtf8(runtime));
+        QFile::setPermissions(QString::fromUtf8(runtime), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                              QFileDevice::ExeOwner);
+        qputenv("XDG_RUNTIME_DIR", runtime);
+    }
     QGuiApplication app(argc, argv);
     app.setApplicationName(QStringLiteral("Zettary"));
     app.setOrganizationName(QStringLiteral("Zettary"));
