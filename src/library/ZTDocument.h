@@ -12,6 +12,7 @@
 
 class ZTItem;
 class ZTList;
+class ZTSmartList;
 class ZTManagedObject;
 class ZTManagedObjectContext;
 class ZTAttributeTables;
@@ -80,6 +81,11 @@ public:
     ZTItem *addItemFromDictionary(const QVariantMap &dictionary);
     // Removes items from the library and from every list.
     void removeItemsFromLibrary(const QStringList &oids);
+
+    // Smart lists: re-evaluate membership after items changed or arrived.
+    QList<ZTSmartList *> smartLists() const;
+    void updateSmartListsWithItem(ZTItem *item);
+    void updateSmartListsWithItems(const QList<ZTItem *> &items);
 
     // The settings key of the kind's lookup sites ("Locale Books Array" …).
     virtual QString localeArrayKey() const = 0;

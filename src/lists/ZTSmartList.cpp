@@ -60,3 +60,11 @@ void ZTSmartList::awakeFromFetch()
     m_qualifiers = parsed.typeId() == QMetaType::QVariantList ? parsed.toList() : QVariantList();
     m_hasQualifiers = true;
 }
+
+bool ZTSmartList::handleItems(const QList<ZTItem *> &items, const ZTDocument &document)
+{
+    // Rule evaluation arrives with the smart-list rules; until then membership stays as stored.
+    Q_UNUSED(items)
+    Q_UNUSED(document)
+    return false;
+}

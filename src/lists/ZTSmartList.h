@@ -5,6 +5,9 @@
 #include <QDateTime>
 #include <QVariantList>
 
+class ZTItem;
+class ZTDocument;
+
 // A list whose members are computed from rules (qualifiers).
 class ZTSmartList : public ZTList {
 public:
@@ -22,6 +25,10 @@ public:
     void updateQualifierData();
     QDateTime expirationDate() const;
     void setExpirationDate(const QDateTime &date);
+
+    // Judges the items against the rules: members that now qualify join at the
+    // front, members that no longer do leave. Returns whether the list changed.
+    bool handleItems(const QList<ZTItem *> &items, const ZTDocument &document);
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;
