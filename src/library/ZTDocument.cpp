@@ -314,6 +314,7 @@ ZTItem *ZTDocument::addItemFromDictionary(const QVariantMap &dictionary)
     if (m_mainList)
         m_mainList->addItem(item->oid());
     insertOid(item->oid());
+    updateSmartListsWithItem(item);
     return item;
 }
 
