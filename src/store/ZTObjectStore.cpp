@@ -10,6 +10,8 @@
 
 #include <sqlite3.h>
 
+#include <cmath>
+
 namespace {
 
 // Dates are stored as seconds from 2001-01-01 UTC, as property lists count them.
@@ -92,7 +94,7 @@ QVariant columnValue(sqlite3_stmt *stmt, int col, ZTAttributeType type)
         return sqlite3_column_double(stmt, col);
     case ZTAttributeType::Date: {
         const double seconds = sqlite3_column_double(stmt, col);
-        return QDateTime::fromMSecsSinceEpoch(qint64((seconds + s_referenceEpoch) * 1000.0 + (seconds >= 0 ? 0.5 : -0.5)),
+        return QDateTime::fromMSecsSinceEpoch(std::llround(seconds * 1000.0) + qint64(s_referenceEpoch) * 1000,
                                               Qt::UTC);
     }
     case ZTAttributeType::Blob: {

@@ -10,6 +10,7 @@ int get(const QStringList &args);
 int set(const QStringList &args);
 int remove(const QStringList &args);
 int cover(const QStringList &args);
+int makeTemplate(const QStringList &args);
 int code(const QStringList &args);
 int scan(const QStringList &args);
 } // namespace ZTCliCommands
@@ -28,6 +29,8 @@ const ZTCli::Command s_commands[] = {
      "change attributes (VALUE is JSON where it reads as such: [\"a\",\"b\"], 12, true)", &ZTCliCommands::set},
     {"remove", "PATH OID...", "remove items from the library and from every list", &ZTCliCommands::remove},
     {"cover", "PATH OID IMAGEFILE", "give an item a cover picture", &ZTCliCommands::cover},
+    {"make-template", "OUT", "write the empty store new libraries start from (for packagers)",
+     &ZTCliCommands::makeTemplate},
     {"code", "TEXT [--kind book|music|movie|comic]",
      "print the code a library of the kind (default book) finds in TEXT as JSON;\n"
      "      exit 1 with a message when TEXT holds no code",
