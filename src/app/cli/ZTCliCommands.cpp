@@ -9,18 +9,9 @@ int code(const QStringList &args);
 namespace {
 const ZTCli::Command s_commands[] = {
     {"help", "", "show this list", &ZTCliCommands::help},
-    {"code", "TEXT [--kind book|music|movie|comic]",
-     "print the code a library of the kind (default book) finds in TEXT as JSON;\n"
-     "      exit 1 with a message when TEXT holds no code",
-     &ZTCliCommands::code},
+    {"code", "TEXT [--kind book|music|movie|comic]", "print the code found in TEXT (kind: book if not given) as JSON; exit 1 if none", &ZTCliCommands::code},
 };
 } // namespace
 
-const ZTCli::Command *ZTCli::commands()
-{
-    return s_commands;
-}
-int ZTCli::commandCount()
-{
-    return int(sizeof(s_commands) / sizeof(s_commands[0]));
-}
+const ZTCli::Command *ZTCli::commands() { return s_commands; }
+int ZTCli::commandCount() { return int(sizeof(s_commands) / sizeof(s_commands[0])); }
