@@ -21,7 +21,12 @@ QString characterDataBeforeError(QStringView raw)
     QString out;
     qsizetype at = 0;
     while (at < raw.size() && raw.at(at) != QLatin1Char('<')) {
-        if (raw.at(at) != QLatin1Char('&')) {
+        const char16_t c = raw.at(at).unicode();
+        if (c != u'&') {
+            // Control characters and non-characters are not XML: the reader
+            // stops there.
+            if ((c < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') || c == 0xFFFE || c == 0xFFFF)
+                break;
             out += raw.at(at++);
             continue;
         }

@@ -222,6 +222,7 @@ void TestHTMLText::decode_data()
                                             << "xy";
     QTest::newRow("fault after a comment") << "a<!-- c -->b&x"
                                            << "ab";
+    QTest::newRow("control character stops it") << QStringLiteral("ab\u0001cd&x") << "ab";
     QTest::newRow("fault after CDATA") << "<![CDATA[<b>]]>c&x"
                                        << "<b>c";
 }
