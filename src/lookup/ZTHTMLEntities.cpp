@@ -110,13 +110,13 @@ std::span<const ZTHTMLEntity> ZTHTMLEntities::all()
     return s_entities;
 }
 
-char32_t ZTHTMLEntities::codePoint(QStringView name)
+const ZTHTMLEntity *ZTHTMLEntities::find(QStringView name)
 {
-    static const QHash<QString, char32_t> s_byName = [] {
-        QHash<QString, char32_t> byName;
+    static const QHash<QString, const ZTHTMLEntity *> s_byName = [] {
+        QHash<QString, const ZTHTMLEntity *> byName;
         for (const ZTHTMLEntity &e : s_entities)
-            byName.insert(QString::fromLatin1(e.name), e.code);
+            byName.insert(QString::fromLatin1(e.name), &e);
         return byName;
     }();
-    return s_byName.value(name.toString(), 0);
+    return s_byName.value(name.toString(), nullptr);
 }

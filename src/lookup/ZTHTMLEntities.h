@@ -13,6 +13,6 @@ struct ZTHTMLEntity {
 
 namespace ZTHTMLEntities {
 std::span<const ZTHTMLEntity> all();
-// The character a browser shows for a name, 0 for an unknown one.
-char32_t codePoint(QStringView name);
+// The row of a name (case matters), or null.
+const ZTHTMLEntity *find(QStringView name);
 } // namespace ZTHTMLEntities

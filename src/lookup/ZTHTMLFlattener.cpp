@@ -21,7 +21,12 @@ QString characterDataBeforeError(QStringView raw)
     QString out;
     qsizetype at = 0;
     while (at < raw.size() && raw.at(at) != QLatin1Char('<')) {
-        if (raw.at(at) != QLatin1Char('&')) {
+        const char16_t c = raw.at(at).unicode();
+        if (c != u'&') {
+            // Control characters and non-characters are not XML: the reader
+            // stops there.
+            if ((c < 0x20 && c != u'\t' && c != u'\n' && c != u'\r') || c == 0xFFFE || c == 0xFFFF)
+                break;
             out += raw.at(at++);
             continue;
         }
@@ -70,12 +75,34 @@ QString ZTHTMLFlattener::convertEntitiesInString(const QString &text)
     m_resultString = QStringLiteral("");
 
     // The XML reader knows only numeric references and the five XML names, so
-    // every HTML name is rewritten to its number first.
-    QString converted = text;
+    // every "&name;" of the table is rewritten to its number first. One pass
+    // gives what replacing row by row would: no rewrite can form a new name.
     const QHash<QString, QString> &dict = entityDict();
-    for (auto it = dict.constBegin(); it != dict.constEnd(); ++it) {
-        converted.replace(QLatin1Char('&') + it.key() + QLatin1Char(';'),
-                          QLatin1String("&#") + it.value() + QLatin1Char(';'));
+    QString converted;
+    converted.reserve(text.size());
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const qsizetype amp = text.indexOf(QLatin1Char('&'), at);
+        if (amp < 0) {
+            converted += QStringView(text).mid(at);
+            break;
+        }
+        converted += QStringView(text).mid(at, amp - at);
+        // Names are at most eight letters; looking no further keeps a text
+        // full of ampersands linear.
+        qsizetype semicolon = amp + 1;
+        while (semicolon < text.size() && semicolon - amp <= 9 && text.at(semicolon).isLetterOrNumber())
+            ++semicolon;
+        const auto code = semicolon < text.size() && text.at(semicolon) == QLatin1Char(';')
+                              ? dict.constFind(text.mid(amp + 1, semicolon - amp - 1))
+                              : dict.constEnd();
+        if (code == dict.constEnd()) {
+            converted += QLatin1Char('&');
+            at = amp + 1;
+            continue;
+        }
+        converted += QLatin1String("&#") + *code + QLatin1Char(';');
+        at = semicolon + 1;
     }
 
     // The text goes through UTF-8 with lossy conversion, as the bytes an XML

@@ -58,10 +58,10 @@ const std::vector<Replacement> &regularTextReplacements()
         add("</ul>", lineFeeds(2));
         add("<UL>", lineFeeds(1));
         add("</UL>", lineFeeds(2));
-        for (const char *tag : {"<LI>", "<li>"}) {
-            add(tag, QStringLiteral("\n    "));
-            add(tag[1] == 'L' ? "</LI>" : "</li>", none);
-        }
+        add("<LI>", QStringLiteral("\n    "));
+        add("</LI>", none);
+        add("<li>", QStringLiteral("\n    "));
+        add("</li>", none);
         for (const char *tag : {"<blockquote>", "</blockquote>", "<BLOCKQUOTE>", "</BLOCKQUOTE>"})
             add(tag, none);
         add("\n\n\n", lineFeeds(2));

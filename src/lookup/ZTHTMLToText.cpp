@@ -62,21 +62,15 @@ bool isAsciiAlnum(QChar c)
 
 // Entities a browser also resolves without the closing ";": the Latin-1 ones
 // and the four of markup.
-bool isLegacyEntity(const ZTHTMLEntity &e)
-{
-    return e.code >= 160 ? e.code <= 255 : (e.code == '"' || e.code == '&' || e.code == '<' || e.code == '>');
-}
-
 char32_t legacyEntityCode(QStringView name)
 {
-    const char32_t code = ZTHTMLEntities::codePoint(name);
-    if (code == 0)
+    const ZTHTMLEntity *e = ZTHTMLEntities::find(name);
+    if (!e)
         return 0;
-    for (const ZTHTMLEntity &e : ZTHTMLEntities::all()) {
-        if (QLatin1String(e.name) == name)
-            return isLegacyEntity(e) ? code : 0;
-    }
-    return 0;
+    const bool legacy = e->code >= 160
+                            ? e->code <= 255
+                            : (e->code == '"' || e->code == '&' || e->code == '<' || e->code == '>');
+    return legacy ? e->code : 0;
 }
 
 } // namespace
@@ -129,11 +123,18 @@ void ZTHTMLToText::appendText(char32_t codePoint)
     }
 }
 
-void ZTHTMLToText::breakLine(bool hard)
+void ZTHTMLToText::lineBreak()
 {
     m_pendingSpace = false;
-    if (hard || (!m_out.isEmpty() && !m_out.endsWith(QLatin1Char('\n'))))
-        m_out.append(QLatin1Char('\n'));
+    m_out.append(QLatin1Char('\n'));
+}
+
+void ZTHTMLToText::endBlock()
+{
+    // A block starts on a fresh line, but empty blocks add no blank lines.
+    if (!m_out.isEmpty() && !m_out.endsWith(QLatin1Char('\n')))
+        lineBreak();
+    m_pendingSpace = false;
 }
 
 void ZTHTMLToText::separateCell()
@@ -189,12 +190,12 @@ void ZTHTMLToText::readTag()
     const QString name = m_html.mid(nameStart, nameEnd - nameStart).toLower();
 
     if (name == QLatin1String("br")) {
-        breakLine(true);
+        lineBreak();
     } else if (name == QLatin1String("td") || name == QLatin1String("th")) {
         if (!closing)
             separateCell();
     } else if (blockElements().contains(name)) {
-        breakLine(false);
+        endBlock();
         if (name == QLatin1String("pre"))
             m_preformatted = qMax(0, m_preformatted + (closing ? -1 : 1));
     } else if (!closing && (name == QLatin1String("script") || name == QLatin1String("style") ||
@@ -258,8 +259,8 @@ void ZTHTMLToText::readEntity()
         ++end;
     const QStringView name = QStringView(m_html).mid(i, end - i);
     if (end < m_html.size() && m_html.at(end) == QLatin1Char(';')) {
-        if (const char32_t code = ZTHTMLEntities::codePoint(name)) {
-            appendText(code);
+        if (const ZTHTMLEntity *e = ZTHTMLEntities::find(name)) {
+            appendText(e->code);
             m_at = end + 1;
             return;
         }

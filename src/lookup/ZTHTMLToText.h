@@ -24,7 +24,8 @@ private:
     void skipRawText(const QString &name);
     void appendText(QChar c);
     void appendText(char32_t codePoint);
-    void breakLine(bool hard);
+    void lineBreak();
+    void endBlock();
     void separateCell();
 
     const QString &m_html;

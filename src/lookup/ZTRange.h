@@ -16,6 +16,8 @@ struct ZTRange {
     constexpr ZTRange() = default;
     constexpr ZTRange(qsizetype location, qsizetype length) : location(location), length(length) {}
     static constexpr ZTRange notFound() { return ZTRange(); }
+    // Every position of any text.
+    static constexpr ZTRange all() { return ZTRange(0, NotFound); }
 
     constexpr bool isFound() const { return location != NotFound; }
     constexpr qsizetype end() const { return location + length; }

@@ -119,25 +119,13 @@ ZTRange ZTText::rangeBetweenString(const QString &text, const QString &first, co
     return ZTRange(hit.innerStart, hit.innerEnd - hit.innerStart);
 }
 
-ZTRange ZTText::rangeBetweenString(const QString &text, const QString &first, const QString &second,
-                                   ZTSearchOption options)
-{
-    return rangeBetweenString(text, first, second, options, ZTRange(0, text.size()));
-}
-
 ZTRange ZTText::rangeFromString(const QString &text, const QString &first, const QString &second,
                                 ZTSearchOption options, ZTRange range)
 {
     TagHit hit;
-    if (!locate(text, first, second, options, range, &hit))
-        return ZTRange::notFound();
-    return ZTRange(hit.firstStart, hit.secondEnd - hit.firstStart);
-}
-
-ZTRange ZTText::rangeFromString(const QString &text, const QString &first, const QString &second,
-                                ZTSearchOption options)
-{
-    return rangeFromString(text, first, second, options, ZTRange(0, text.size()));
+    return locate(text, first, second, options, range, &hit)
+               ? ZTRange(hit.firstStart, hit.secondEnd - hit.firstStart)
+               : ZTRange::notFound();
 }
 
 QString ZTText::digitsOnly(const QString &text)

@@ -21,19 +21,15 @@ namespace ZTText {
 // --- Locating text ---------------------------------------------------------
 
 // The stretch between the first tag and the second tag behind it, both tags
-// excluded, searched inside range (clamped to the text). With Backwards the
-// last occurrence of the first tag is taken, then the last occurrence of the
-// second behind it.
+// excluded, searched inside range (clamped to the text; the whole text by
+// default). With Backwards the last occurrence of the first tag is taken,
+// then the last occurrence of the second behind it.
 ZTRange rangeBetweenString(const QString &text, const QString &first, const QString &second,
-                           ZTSearchOption options, ZTRange range);
-ZTRange rangeBetweenString(const QString &text, const QString &first, const QString &second,
-                           ZTSearchOption options = ZTSearchOption::None);
+                           ZTSearchOption options = ZTSearchOption::None, ZTRange range = ZTRange::all());
 // The same search, but the result runs from the start of the first tag to the
 // end of the second, both included.
 ZTRange rangeFromString(const QString &text, const QString &first, const QString &second,
-                        ZTSearchOption options, ZTRange range);
-ZTRange rangeFromString(const QString &text, const QString &first, const QString &second,
-                        ZTSearchOption options = ZTSearchOption::None);
+                        ZTSearchOption options = ZTSearchOption::None, ZTRange range = ZTRange::all());
 
 // --- Cleaning text ---------------------------------------------------------
 

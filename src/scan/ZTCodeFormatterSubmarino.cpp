@@ -12,7 +12,8 @@
 namespace {
 
 // The cache is never emptied while the program runs: a product's ISBN does
-// not change, and fetches block their caller for up to 30 seconds.
+// not change, and fetches block their caller for up to 30 seconds. Fetch
+// threads share it, so it is guarded; the lock is not held while fetching.
 struct PageState {
     QMutex mutex;
     ZTCodeFormatter::PageGetter getter;

@@ -222,6 +222,7 @@ void TestHTMLText::decode_data()
                                             << "xy";
     QTest::newRow("fault after a comment") << "a<!-- c -->b&x"
                                            << "ab";
+    QTest::newRow("control character stops it") << QStringLiteral("ab\u0001cd&x") << "ab";
     QTest::newRow("fault after CDATA") << "<![CDATA[<b>]]>c&x"
                                        << "<b>c";
 }
@@ -301,6 +302,7 @@ void TestHTMLText::hostileInputNeverCrashes()
     const QStringList inputs = {
         QString(200000, QLatin1Char('<')),
         QString(200000, QLatin1Char('&')),
+        QString(200000, QLatin1Char('&')) + QLatin1Char(';'),
         QStringLiteral("&#x") + QString(100, QLatin1Char('F')) + QLatin1Char(';'),
         QStringLiteral("&#") + QString(1000, QLatin1Char('9')),
         QStringLiteral("<a title=\"") + QString(1000, QLatin1Char('>')),

@@ -20,7 +20,7 @@ private Q_SLOTS:
 };
 
 namespace {
-const ZTRange whole(0, ZTRange::NotFound - 1); // clamped to the text
+const ZTRange whole = ZTRange::all();
 }
 
 void TestTextLocating::rangeBetween_data()

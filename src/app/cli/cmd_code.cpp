@@ -15,10 +15,9 @@ int code(const QStringList &arguments)
 {
     QStringList args = arguments;
     QString kindName = QStringLiteral("book");
-    if (args.contains(QLatin1String("--kind")) &&
-        !ZTCli::takeOption(args, QStringLiteral("--kind"), &kindName))
+    const bool kindGiven = args.contains(QLatin1String("--kind"));
+    if (!ZTCli::takeOption(args, QStringLiteral("--kind"), &kindName) && kindGiven)
         return ZTCli::fail(QStringLiteral("--kind needs a value: book, music, movie or comic"));
-    ZTCli::takeOption(args, QStringLiteral("--kind"), &kindName);
     ZTMediaKind kind;
     if (!ZTMediaKinds::fromCliName(kindName, &kind))
         return ZTCli::fail(QStringLiteral("unknown kind \"%1\" (book, music, movie or comic)").arg(kindName));
