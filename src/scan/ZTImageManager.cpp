@@ -435,6 +435,31 @@ QList<ZTScanResult> ZTImageManager::validationResultsWithThreshold(qint64 thresh
     return output;
 }
 
+QList<qint64> ZTImageManager::thresholdsToTry(qint64 first, qint64 delta, qint64 margin)
+{
+    // The first threshold, then alternately below and above it by growing
+    // steps, while they stay within the margin and within 0 to 255.
+    QList<qint64> thresholds{first};
+    if (delta == 0 || margin == 0)
+        return thresholds;
+    for (qint64 k = 1;; ++k) {
+        qint64 offset = 0, below = 0, above = 0;
+        if (__builtin_mul_overflow(k, delta, &offset) || __builtin_sub_overflow(first, offset, &below) ||
+            __builtin_add_overflow(first, offset, &above))
+            break;
+        const qint64 distance = offset < 0 ? -offset : offset;
+        const bool belowKept = distance <= margin && below >= 0 && below <= 255;
+        const bool aboveKept = distance <= margin && above >= 0 && above <= 255;
+        if (!belowKept && !aboveKept)
+            break;
+        if (belowKept)
+            thresholds << below;
+        if (aboveKept)
+            thresholds << above;
+    }
+    return thresholds;
+}
+
 QList<ZTScanResult> ZTImageManager::scanResultsForScanContext(const ZTScanContext &context)
 {
     m_quietZoneInt = 1;
@@ -443,28 +468,7 @@ QList<ZTScanResult> ZTImageManager::scanResultsForScanContext(const ZTScanContex
             ? m_delegate.threshold()
             : context.threshold;
 
-    // The first threshold, then alternately below and above it by growing
-    // steps, while they stay within the margin and within 0 to 255.
-    QList<qint64> thresholds{first};
-    const qint64 delta = context.thresholdDelta, margin = context.thresholdMargin;
-    if (delta != 0 && margin != 0) {
-        for (qint64 k = 1;; ++k) {
-            qint64 offset = 0, below = 0, above = 0;
-            if (__builtin_mul_overflow(k, delta, &offset) || __builtin_sub_overflow(first, offset, &below) ||
-                __builtin_add_overflow(first, offset, &above))
-                break;
-            const qint64 distance = offset < 0 ? -offset : offset;
-            const bool belowKept = distance <= margin && below >= 0 && below <= 255;
-            const bool aboveKept = distance <= margin && above >= 0 && above <= 255;
-            if (!belowKept && !aboveKept)
-                break;
-            if (belowKept)
-                thresholds << below;
-            if (aboveKept)
-                thresholds << above;
-        }
-    }
-
+    const QList<qint64> thresholds = thresholdsToTry(first, context.thresholdDelta, context.thresholdMargin);
     QList<ZTScanResult> results = validationResultsWithThreshold(thresholds.first(), context);
     if (m_delegate.numberOfPositiveHistogramValues() < 3)
         return results;
