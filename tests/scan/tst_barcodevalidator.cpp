@@ -5,6 +5,7 @@
 #include "scan/ZTScanEdge.h"
 #include "scan/ZTScanEdgeDelegate.h"
 
+#include "scan/ZTScanEdgeFixtures.h"
 #include "support/ZTBarcodeRenderer.h"
 
 #include <QtTest>
@@ -38,28 +39,9 @@ std::vector<qint64> sweepBand(qint64 leading, const QString &modules, qint64 uni
     return band;
 }
 
-ZTScanEdge *makeEdge(std::vector<std::unique_ptr<ZTScanEdge>> &keep, qint64 angle, bool starting,
-                     const std::vector<ZTRectangle> &rectangles)
-{
-    keep.push_back(std::make_unique<ZTScanEdge>(angle, starting ? 20 : 40, rectangles.front(), starting, 9.5,
-                                                7, 128, std::pmr::get_default_resource()));
-    for (size_t i = 1; i < rectangles.size(); ++i)
-        keep.back()->handleRectangle(rectangles[i]);
-    return keep.back().get();
-}
-
-// Windows of width w along rows first..last whose outer end lies at x = x0 + slope × y.
-std::vector<ZTRectangle> windows(bool starting, double x0, double slope, qint64 w, qint64 first, qint64 last)
-{
-    std::vector<ZTRectangle> out;
-    for (qint64 y = first; y <= last; ++y) {
-        const qint64 outer = qRound64(x0 + slope * double(y));
-        out.emplace_back(starting ? outer : outer - w + 1, y, w, 1);
-    }
-    return out;
-}
-
 } // namespace
+
+using ZTScanEdgeFixtures::makeEdge;
 
 class TestBarcodeValidator : public QObject {
     Q_OBJECT
@@ -262,7 +244,7 @@ void TestBarcodeValidator::walkBandWithImpossibleParityFails()
 void TestBarcodeValidator::edgesFitLinesAndDropStrays()
 {
     std::vector<std::unique_ptr<ZTScanEdge>> keep;
-    std::vector<ZTRectangle> rects = windows(true, 100, 0.5, 30, 10, 29);
+    std::vector<ZTRectangle> rects = ZTScanEdgeFixtures::windows(90, true, 100, 0.5, 30, 10, 29);
     rects.insert(rects.begin() + 5, ZTRectangle(140, 15, 30, 1)); // a stray line
     ZTScanEdge *edge = makeEdge(keep, 90, true, rects);
     QCOMPARE(edge->averageLongDimension(), qint64(30));
@@ -277,10 +259,10 @@ void TestBarcodeValidator::edgesFitLinesAndDropStrays()
     QVERIFY(edge->rectangleScans().empty());
 
     // Two lines are too few for an edge.
-    ZTScanEdge *thin = makeEdge(keep, 90, true, windows(true, 100, 0, 30, 0, 1));
+    ZTScanEdge *thin = makeEdge(keep, 90, true, ZTScanEdgeFixtures::windows(90, true, 100, 0, 30, 0, 1));
     QVERIFY(!thin->isValidWithValidatorIndex(1));
     // Validator 9 asks for eight lines.
-    ZTScanEdge *seven = makeEdge(keep, 90, true, windows(true, 100, 0, 30, 0, 6));
+    ZTScanEdge *seven = makeEdge(keep, 90, true, ZTScanEdgeFixtures::windows(90, true, 100, 0, 30, 0, 6));
     QVERIFY(!seven->isValidWithValidatorIndex(9));
 }
 
@@ -329,8 +311,9 @@ void TestBarcodeValidator::edgePairsMustLieOneCodeApart()
     QFETCH(qint64, endWidth);
     QFETCH(bool, similar);
     std::vector<std::unique_ptr<ZTScanEdge>> keep;
-    ZTScanEdge *start = makeEdge(keep, 90, true, windows(true, 100, 0, 30, 10, 40));
-    ZTScanEdge *end = makeEdge(keep, 90, false, windows(false, endX, endSlope, endWidth, 10, 40));
+    ZTScanEdge *start = makeEdge(keep, 90, true, ZTScanEdgeFixtures::windows(90, true, 100, 0, 30, 10, 40));
+    ZTScanEdge *end =
+        makeEdge(keep, 90, false, ZTScanEdgeFixtures::windows(90, false, endX, endSlope, endWidth, 10, 40));
     QVERIFY(start->isValidWithValidatorIndex(1));
     QVERIFY(end->isValidWithValidatorIndex(1));
     QCOMPARE(start->isSimilarToScanEdge(*end), similar);
@@ -339,7 +322,7 @@ void TestBarcodeValidator::edgePairsMustLieOneCodeApart()
 void TestBarcodeValidator::probesLearnAndCheckTheGuard()
 {
     std::vector<std::unique_ptr<ZTScanEdge>> keep;
-    ZTScanEdge *edge = makeEdge(keep, 90, true, windows(true, 100, 0, 30, 0, 5));
+    ZTScanEdge *edge = makeEdge(keep, 90, true, ZTScanEdgeFixtures::windows(90, true, 100, 0, 30, 0, 5));
     // A probe 2 × 30 pixels long: 30 light, then guard and digit in eighths.
     std::vector<qint64> band{0, 240, 24, 24, 24, 72, 48, 24, 24, 0};
     const qint64 n = qint64(band.size()) - 1;
