@@ -125,19 +125,24 @@ qint64 ZTImageManager::numberOfBarsForColumn(qint64 column, qint64 row, qint64 *
 
     qint64 k = 0;
     barBand[0] = 0;
-    bool light = true;
-    if (values) {
-        for (qint64 i = from; i >= 0 && i < length; i += step) {
-            const qint64 grey = values[i];
-            if (feedHistogram)
-                m_delegate.incrementPixelValueAtIndex(int(grey & 0xFF));
-            const bool pixelLight = grey >= threshold;
-            if (pixelLight != light) {
-                light = pixelLight;
-                barBand[++k] = 0;
-            }
-            ++barBand[k];
-        }
+    if (!values || from < 0 || from >= length) {
+        barBand[1] = 0;
+        return 1;
+    }
+    const qint64 count = step > 0 ? length - from : from + 1;
+    if (feedHistogram) {
+        for (qint64 i = 0, at = from; i < count; ++i, at += step)
+            m_delegate.incrementPixelValueAtIndex(int(values[at] & 0xFF));
+    }
+    // Without branches: scan lines over texture change state at almost every
+    // pixel, and this loop is where a sweep spends its time.
+    qint64 light = 1;
+    for (qint64 i = 0, at = from; i < count; ++i, at += step) {
+        const qint64 pixelLight = values[at] >= threshold ? 1 : 0;
+        barBand[k + 1] = 0;
+        k += pixelLight ^ light;
+        ++barBand[k];
+        light = pixelLight;
     }
     barBand[k + 1] = 0;
     return k + 1;
