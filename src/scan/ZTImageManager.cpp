@@ -307,6 +307,16 @@ qint64 ZTImageManager::scanCountWithValidator(ZTBarcodeValidator &validator, ZTS
     qint64 startLower = 0, endLower = 0;
     const qint64 walks = 1 + std::min(span(startEdge, &startLower), span(endEdge, &endLower));
     const bool outsideIsLight = 255 >= threshold;
+    auto inside = [this](qint64 c, qint64 r) {
+        return c >= 0 && r >= 0 && c < m_imageWidth && r < m_imageHeight;
+    };
+    auto light = [&](qint64 c, qint64 r) { return intOfColumn(c, r, threshold) == 1; };
+    // The direction of the sweep that found the edges.
+    const qint64 angle = startEdge->scanAngle();
+    const qint64 dc = angle == 90 ? 1 : angle == 270 ? -1 : 0;
+    const qint64 dr = angle == 180 ? 1 : angle == 360 ? -1 : 0;
+    if (dc == 0 && dr == 0)
+        return 0;
     qint64 successes = 0, counted = 0;
     for (qint64 i = 0; i < walks; ++i) {
         const qint64 ts = startLower + i, te = endLower + i;
@@ -316,48 +326,21 @@ qint64 ZTImageManager::scanCountWithValidator(ZTBarcodeValidator &validator, ZTS
         qint64 ec = horizontal ? ae : te, er = horizontal ? te : ae;
 
         // Settle both ends on dark pixels: a walk must begin and end on a bar.
+        // The start moves in the sweep's direction while inside the picture,
+        // the end against it until the border.
+        while (light(sc, sr) && inside(sc, sr))
+            sc += dc, sr += dr;
+        qint64 &end = dc != 0 ? ec : er;
+        const qint64 back = dc != 0 ? -dc : -dr;
+        const qint64 last = (dc != 0 ? m_imageWidth : m_imageHeight) - 1;
         // Everything outside the picture is light, so an end far outside may
         // jump straight to the border it would have crawled to.
-        auto inside = [this](qint64 c, qint64 r) {
-            return c >= 0 && r >= 0 && c < m_imageWidth && r < m_imageHeight;
-        };
-        auto light = [&](qint64 c, qint64 r) { return intOfColumn(c, r, threshold) == 1; };
-        switch (startEdge->scanAngle()) {
-        case 90:
-            while (light(sc, sr) && inside(sc, sr))
-                ++sc;
-            if (outsideIsLight && ec > m_imageWidth - 1)
-                ec = std::max<qint64>(m_imageWidth - 1, 0);
-            while (light(ec, er) && ec > 0)
-                --ec;
-            break;
-        case 180:
-            while (light(sc, sr) && inside(sc, sr))
-                ++sr;
-            if (outsideIsLight && er > m_imageHeight - 1)
-                er = std::max<qint64>(m_imageHeight - 1, 0);
-            while (light(ec, er) && er > 0)
-                --er;
-            break;
-        case 270:
-            while (light(sc, sr) && inside(sc, sr))
-                --sc;
-            if (outsideIsLight && ec < 0)
-                ec = 0;
-            while (light(ec, er) && ec < m_imageWidth - 1)
-                ++ec;
-            break;
-        case 360:
-            while (light(sc, sr) && inside(sc, sr))
-                --sr;
-            if (outsideIsLight && er < 0)
-                er = 0;
-            while (light(ec, er) && er < m_imageHeight - 1)
-                ++er;
-            break;
-        default:
-            break;
-        }
+        if (outsideIsLight && back < 0 && end > last)
+            end = std::max<qint64>(last, 0);
+        if (outsideIsLight && back > 0 && end < 0)
+            end = 0;
+        while (light(ec, er) && (back < 0 ? end > 0 : end < last))
+            end += back;
 
         qint64 n = numberOfBarsAndSpacesWithCol1(sc, sr, ec, er, barBand, threshold);
         if (ZTBarcodeValidator::modifiedBSForBS(n) < 0) {
