@@ -1,4 +1,6 @@
+#include "scan/ZTBarcodeValidator.h"
 #include "scan/ZTImageManager.h"
+#include "scan/ZTScanEdge.h"
 #include "scan/ZTSecondaryScanState.h"
 #include "scan/ZTStillImageScanner.h"
 #include "scan/ZTTemplateReader.h"
@@ -51,6 +53,8 @@ private Q_SLOTS:
     void uniformPictureGivesNothingAfterOnePass();
     void firstThresholdWithResultEndsSearch();
     void resultsCarryTheirEdges();
+    void walksBetweenEdgesCount_data();
+    void walksBetweenEdgesCount();
     void codeFromBarBandMatchesTemplates_data();
     void codeFromBarBandMatchesTemplates();
     void normalizeAndThresholdBands();
@@ -276,6 +280,50 @@ void TestImageManager::resultsCarryTheirEdges()
     QVERIFY(r.startingEdge().y2() >= 207);
     // Upright edges have empty bounds, and so has their union.
     QVERIFY(r.boundingRectangle().isEmpty());
+}
+
+void TestImageManager::walksBetweenEdgesCount_data()
+{
+    QTest::addColumn<QString>("modules");
+    QTest::addColumn<qint64>("walkThreshold");
+    QTest::addColumn<int>("sign");
+    const QString good = R::modules(QStringLiteral("0036000291452"));
+    // The second left digit drawn from set G: every walk has 59 elements,
+    // none decodes, because no leading digit has that parity pattern.
+    QString badParity = good;
+    badParity.replace(10, 7, QStringLiteral("0100111"));
+    QTest::newRow("every walk decodes") << good << qint64(128) << 1;
+    QTest::newRow("walks with a parity no code has") << badParity << qint64(128) << -1;
+    QTest::newRow("no walk has 59 elements") << good << qint64(0) << 0;
+}
+
+void TestImageManager::walksBetweenEdgesCount()
+{
+    QFETCH(QString, modules);
+    QFETCH(qint64, walkThreshold);
+    QFETCH(int, sign);
+    // A picture drawn module by module, 3 pixels each, rows 50 to 149.
+    QImage image = greyPicture(480, 200, 255);
+    QPainter painter(&image);
+    for (qsizetype i = 0; i < modules.size(); ++i) {
+        if (modules[i] == QLatin1Char('1'))
+            painter.fillRect(90 + int(i) * 3, 50, 3, 100, Qt::black);
+    }
+    painter.end();
+    ZTImageManager manager(image);
+    ZTBarcodeValidator validator(1);
+    ZTBarcodeValidator *const validators[] = {&validator};
+    qint64 band[ZTImageManager::s_maxBandSize + 1];
+    manager.adjustedThresholdWithValidatorList(validators, band, 128, 90, 5);
+    validator.processWithValidatorIndex(1);
+    validator.updateScanEdges();
+    QCOMPARE(validator.listOfStartingScanEdges().size(), size_t(1));
+    ZTScanEdge *start = validator.listOfStartingScanEdges().front();
+    ZTScanEdge *end = start->listOfScanEdges().front();
+    const qint64 walks = qint64(start->lineSegment().y2() - start->lineSegment().y1()) + 1;
+    QVERIFY(walks > 20);
+    QCOMPARE(manager.scanCountWithValidator(validator, start, end, band, walkThreshold), sign * walks);
+    QCOMPARE(validator.scanResults().size(), size_t(sign > 0 ? 1 : 0));
 }
 
 void TestImageManager::codeFromBarBandMatchesTemplates_data()
