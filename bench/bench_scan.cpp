@@ -173,6 +173,12 @@ int main(int argc, char **argv)
 
     std::mt19937 random(20261123);
     std::uniform_int_distribution<int> digit(0, 9);
+    auto randomCode = [&] {
+        QString twelve;
+        for (int i = 0; i < 12; ++i)
+            twelve += QString::number(digit(random));
+        return ZTBarcodeRenderer::withCheckDigit(twelve);
+    };
     std::printf("%-22s %6s %8s %10s %10s %10s %12s\n", "degradation", "read", "by edges", "median ms",
                 "p90 ms", "first ms", "sweep allocs");
     for (const Case &c : cases) {
@@ -180,10 +186,7 @@ int main(int argc, char **argv)
         std::vector<double> frameTimes, firstTimes;
         long sweepAllocations = 0;
         for (int n = 0; n < perCase; ++n) {
-            QString twelve;
-            for (int i = 0; i < 12; ++i)
-                twelve += QString::number(digit(random));
-            const QString code = ZTBarcodeRenderer::withCheckDigit(twelve);
+            const QString code = randomCode();
             const QImage frame = ZTStillImageScanner::frameFromImage(
                 c.degrade(ZTBarcodeRenderer::render(code, c.options), 7u + n));
             if (frame.isNull())
@@ -225,10 +228,7 @@ int main(int argc, char **argv)
     // quarter-turned code is still not read by the first reader.
     int columns = 0;
     for (int n = 0; n < perCase; ++n) {
-        QString twelve;
-        for (int i = 0; i < 12; ++i)
-            twelve += QString::number(digit(random));
-        const QString code = ZTBarcodeRenderer::withCheckDigit(twelve);
+        const QString code = randomCode();
         const QImage frame =
             ZTStillImageScanner::frameFromImage(D::quarterTurn(ZTBarcodeRenderer::render(code, square), 1));
         ZTImageManager manager(frame);
