@@ -125,19 +125,24 @@ qint64 ZTImageManager::numberOfBarsForColumn(qint64 column, qint64 row, qint64 *
 
     qint64 k = 0;
     barBand[0] = 0;
-    bool light = true;
-    if (values) {
-        for (qint64 i = from; i >= 0 && i < length; i += step) {
-            const qint64 grey = values[i];
-            if (feedHistogram)
-                m_delegate.incrementPixelValueAtIndex(int(grey & 0xFF));
-            const bool pixelLight = grey >= threshold;
-            if (pixelLight != light) {
-                light = pixelLight;
-                barBand[++k] = 0;
-            }
-            ++barBand[k];
-        }
+    if (!values || from < 0 || from >= length) {
+        barBand[1] = 0;
+        return 1;
+    }
+    const qint64 count = step > 0 ? length - from : from + 1;
+    if (feedHistogram) {
+        for (qint64 i = 0, at = from; i < count; ++i, at += step)
+            m_delegate.incrementPixelValueAtIndex(int(values[at] & 0xFF));
+    }
+    // Without branches: scan lines over texture change state at almost every
+    // pixel, and this loop is where a sweep spends its time.
+    qint64 light = 1;
+    for (qint64 i = 0, at = from; i < count; ++i, at += step) {
+        const qint64 pixelLight = values[at] >= threshold ? 1 : 0;
+        barBand[k + 1] = 0;
+        k += pixelLight ^ light;
+        ++barBand[k];
+        light = pixelLight;
     }
     barBand[k + 1] = 0;
     return k + 1;
@@ -302,6 +307,16 @@ qint64 ZTImageManager::scanCountWithValidator(ZTBarcodeValidator &validator, ZTS
     qint64 startLower = 0, endLower = 0;
     const qint64 walks = 1 + std::min(span(startEdge, &startLower), span(endEdge, &endLower));
     const bool outsideIsLight = 255 >= threshold;
+    auto inside = [this](qint64 c, qint64 r) {
+        return c >= 0 && r >= 0 && c < m_imageWidth && r < m_imageHeight;
+    };
+    auto light = [&](qint64 c, qint64 r) { return intOfColumn(c, r, threshold) == 1; };
+    // The direction of the sweep that found the edges.
+    const qint64 angle = startEdge->scanAngle();
+    const qint64 dc = angle == 90 ? 1 : angle == 270 ? -1 : 0;
+    const qint64 dr = angle == 180 ? 1 : angle == 360 ? -1 : 0;
+    if (dc == 0 && dr == 0)
+        return 0;
     qint64 successes = 0, counted = 0;
     for (qint64 i = 0; i < walks; ++i) {
         const qint64 ts = startLower + i, te = endLower + i;
@@ -311,48 +326,21 @@ qint64 ZTImageManager::scanCountWithValidator(ZTBarcodeValidator &validator, ZTS
         qint64 ec = horizontal ? ae : te, er = horizontal ? te : ae;
 
         // Settle both ends on dark pixels: a walk must begin and end on a bar.
+        // The start moves in the sweep's direction while inside the picture,
+        // the end against it until the border.
+        while (light(sc, sr) && inside(sc, sr))
+            sc += dc, sr += dr;
+        qint64 &end = dc != 0 ? ec : er;
+        const qint64 back = dc != 0 ? -dc : -dr;
+        const qint64 last = (dc != 0 ? m_imageWidth : m_imageHeight) - 1;
         // Everything outside the picture is light, so an end far outside may
         // jump straight to the border it would have crawled to.
-        auto inside = [this](qint64 c, qint64 r) {
-            return c >= 0 && r >= 0 && c < m_imageWidth && r < m_imageHeight;
-        };
-        auto light = [&](qint64 c, qint64 r) { return intOfColumn(c, r, threshold) == 1; };
-        switch (startEdge->scanAngle()) {
-        case 90:
-            while (light(sc, sr) && inside(sc, sr))
-                ++sc;
-            if (outsideIsLight && ec > m_imageWidth - 1)
-                ec = std::max<qint64>(m_imageWidth - 1, 0);
-            while (light(ec, er) && ec > 0)
-                --ec;
-            break;
-        case 180:
-            while (light(sc, sr) && inside(sc, sr))
-                ++sr;
-            if (outsideIsLight && er > m_imageHeight - 1)
-                er = std::max<qint64>(m_imageHeight - 1, 0);
-            while (light(ec, er) && er > 0)
-                --er;
-            break;
-        case 270:
-            while (light(sc, sr) && inside(sc, sr))
-                --sc;
-            if (outsideIsLight && ec < 0)
-                ec = 0;
-            while (light(ec, er) && ec < m_imageWidth - 1)
-                ++ec;
-            break;
-        case 360:
-            while (light(sc, sr) && inside(sc, sr))
-                --sr;
-            if (outsideIsLight && er < 0)
-                er = 0;
-            while (light(ec, er) && er < m_imageHeight - 1)
-                ++er;
-            break;
-        default:
-            break;
-        }
+        if (outsideIsLight && back < 0 && end > last)
+            end = std::max<qint64>(last, 0);
+        if (outsideIsLight && back > 0 && end < 0)
+            end = 0;
+        while (light(ec, er) && (back < 0 ? end > 0 : end < last))
+            end += back;
 
         qint64 n = numberOfBarsAndSpacesWithCol1(sc, sr, ec, er, barBand, threshold);
         if (ZTBarcodeValidator::modifiedBSForBS(n) < 0) {
@@ -435,6 +423,31 @@ QList<ZTScanResult> ZTImageManager::validationResultsWithThreshold(qint64 thresh
     return output;
 }
 
+QList<qint64> ZTImageManager::thresholdsToTry(qint64 first, qint64 delta, qint64 margin)
+{
+    // The first threshold, then alternately below and above it by growing
+    // steps, while they stay within the margin and within 0 to 255.
+    QList<qint64> thresholds{first};
+    if (delta == 0 || margin == 0)
+        return thresholds;
+    for (qint64 k = 1;; ++k) {
+        qint64 offset = 0, below = 0, above = 0;
+        if (__builtin_mul_overflow(k, delta, &offset) || __builtin_sub_overflow(first, offset, &below) ||
+            __builtin_add_overflow(first, offset, &above))
+            break;
+        const qint64 distance = offset < 0 ? -offset : offset;
+        const bool belowKept = distance <= margin && below >= 0 && below <= 255;
+        const bool aboveKept = distance <= margin && above >= 0 && above <= 255;
+        if (!belowKept && !aboveKept)
+            break;
+        if (belowKept)
+            thresholds << below;
+        if (aboveKept)
+            thresholds << above;
+    }
+    return thresholds;
+}
+
 QList<ZTScanResult> ZTImageManager::scanResultsForScanContext(const ZTScanContext &context)
 {
     m_quietZoneInt = 1;
@@ -443,28 +456,7 @@ QList<ZTScanResult> ZTImageManager::scanResultsForScanContext(const ZTScanContex
             ? m_delegate.threshold()
             : context.threshold;
 
-    // The first threshold, then alternately below and above it by growing
-    // steps, while they stay within the margin and within 0 to 255.
-    QList<qint64> thresholds{first};
-    const qint64 delta = context.thresholdDelta, margin = context.thresholdMargin;
-    if (delta != 0 && margin != 0) {
-        for (qint64 k = 1;; ++k) {
-            qint64 offset = 0, below = 0, above = 0;
-            if (__builtin_mul_overflow(k, delta, &offset) || __builtin_sub_overflow(first, offset, &below) ||
-                __builtin_add_overflow(first, offset, &above))
-                break;
-            const qint64 distance = offset < 0 ? -offset : offset;
-            const bool belowKept = distance <= margin && below >= 0 && below <= 255;
-            const bool aboveKept = distance <= margin && above >= 0 && above <= 255;
-            if (!belowKept && !aboveKept)
-                break;
-            if (belowKept)
-                thresholds << below;
-            if (aboveKept)
-                thresholds << above;
-        }
-    }
-
+    const QList<qint64> thresholds = thresholdsToTry(first, context.thresholdDelta, context.thresholdMargin);
     QList<ZTScanResult> results = validationResultsWithThreshold(thresholds.first(), context);
     if (m_delegate.numberOfPositiveHistogramValues() < 3)
         return results;

@@ -53,6 +53,8 @@ public:
     qint64 bandSize() const;
 
     QList<ZTScanResult> scanResultsForScanContext(const ZTScanContext &context);
+    // The thresholds a scan tries, in order.
+    static QList<qint64> thresholdsToTry(qint64 first, qint64 delta, qint64 margin);
     QList<ZTScanResult> validationResultsWithThreshold(qint64 threshold, const ZTScanContext &context);
     // One sweep in one direction; returns the threshold to use from then on.
     qint64 adjustedThresholdWithValidatorList(std::span<ZTBarcodeValidator *const> validators,

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <optional>
 
 QImage ZTStillImageScanner::frameFromImage(const QImage &picture)
 {
@@ -34,8 +35,8 @@ QImage ZTStillImageScanner::frameFromImage(const QImage &picture)
     return frame;
 }
 
-QString ZTStillImageScanner::codeForFrame(ZTImageManager &imageManager, ZTScanContext &context,
-                                          ZTSecondaryScanState &votes)
+std::optional<QString> ZTStillImageScanner::firstReaderCode(ZTImageManager &imageManager,
+                                                            ZTScanContext &context)
 {
     const ZTScanContext copy = context;
     const QList<ZTScanResult> results = imageManager.scanResultsForScanContext(copy);
@@ -53,6 +54,14 @@ QString ZTStillImageScanner::codeForFrame(ZTImageManager &imageManager, ZTScanCo
         if (!retried.isEmpty())
             return retried.first().decodedString();
     }
+    return std::nullopt;
+}
+
+QString ZTStillImageScanner::codeForFrame(ZTImageManager &imageManager, ZTScanContext &context,
+                                          ZTSecondaryScanState &votes)
+{
+    if (const std::optional<QString> code = firstReaderCode(imageManager, context))
+        return *code;
     return imageManager.secondaryScanCode(votes);
 }
 
@@ -61,18 +70,22 @@ QString ZTStillImageScanner::scanFrame(const QImage &frame)
     if (frame.isNull() || frame.width() > ZTImageManager::s_maxSide ||
         frame.height() > ZTImageManager::s_maxSide)
         return {};
-    ZTScanContext context;
-    ZTSecondaryScanState votes;
-    for (int i = 0; i < s_frames; ++i) {
-        try {
-            // Every frame gets a fresh reader, as in the camera loop.
-            auto imageManager = std::make_unique<ZTImageManager>(frame);
-            const QString code = codeForFrame(*imageManager, context, votes);
+    try {
+        // The first reader and its retry see the same pixels on every frame
+        // and answer the same each time, so they run once; only the template
+        // reader's votes change from frame to frame.
+        ZTImageManager imageManager(frame);
+        ZTScanContext context;
+        if (const std::optional<QString> code = firstReaderCode(imageManager, context))
+            return *code;
+        ZTSecondaryScanState votes;
+        for (int i = 0; i < s_frames; ++i) {
+            const QString code = imageManager.secondaryScanCode(votes);
             if (!code.isEmpty())
                 return code;
-        } catch (const std::exception &) {
-            // The loop drops a frame whose reading failed.
         }
+    } catch (const std::exception &) {
+        // The loop drops a frame whose reading failed; every frame would.
     }
     return {};
 }

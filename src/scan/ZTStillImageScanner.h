@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <optional>
 
 class ZTImageManager;
 struct ZTSecondaryScanState;
@@ -23,6 +24,10 @@ public:
     // The picture as a camera frame: opaque, 480 pixels wide. A null image if
     // the picture is empty or the frame would exceed what the reader takes.
     static QImage frameFromImage(const QImage &picture);
+    // The first reader and its retry on one frame: the code to send (which
+    // may be null, ending the frame) or nothing when the frame goes on to the
+    // template reader.
+    static std::optional<QString> firstReaderCode(ZTImageManager &imageManager, ZTScanContext &context);
     // One frame as the scan loop handles it: the code it would send, or null.
     // context is the loop's context; votes carry over between frames.
     static QString codeForFrame(ZTImageManager &imageManager, ZTScanContext &context,

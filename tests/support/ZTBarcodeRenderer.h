@@ -12,15 +12,17 @@
 namespace ZTBarcodeRenderer {
 
 struct Options {
-    int moduleWidth = 3; // pixels per module
-    int quietZone = 12;  // light modules on either side
-    int barHeight = 120; // pixels
-    int width = 480;     // picture size; the code is centred
+    int moduleWidth = 3;     // pixels per module
+    int quietZone = 12;      // light modules on either side
+    int quietZoneRight = -1; // light modules on the right, when not quietZone
+    int barHeight = 120;     // pixels
+    int width = 480;         // picture size; the code is centred
     int height = 300;
     int dark = 0;    // grey of bars
     int light = 255; // grey of spaces and background
     bool humanReadable = false;
-    bool frame = false; // a dark border around the label, as on a printed sticker
+    bool frame = false;         // a dark border around the label, as on a printed sticker
+    bool trailingMarks = false; // two dark marks behind the right quiet zone, as print beside a code
 };
 
 // The digit that makes an EAN-13 sum a multiple of ten.
@@ -71,7 +73,8 @@ inline QImage render(const QString &ean13, const Options &o = {})
     QImage image(o.width, o.height, QImage::Format_RGB32);
     image.fill(QColor(o.light, o.light, o.light));
     const QString bars = modules(ean13);
-    const int codeWidth = (95 + 2 * o.quietZone) * o.moduleWidth;
+    const int right = o.quietZoneRight < 0 ? o.quietZone : o.quietZoneRight;
+    const int codeWidth = (95 + o.quietZone + right) * o.moduleWidth;
     const int left = (o.width - codeWidth) / 2 + o.quietZone * o.moduleWidth;
     const int top = (o.height - o.barHeight) / 2;
     QPainter p(&image);
@@ -80,6 +83,11 @@ inline QImage render(const QString &ean13, const Options &o = {})
     for (int i = 0; i < bars.size(); ++i) {
         if (bars[i] == QLatin1Char('1'))
             p.drawRect(left + i * o.moduleWidth, top, o.moduleWidth, o.barHeight);
+    }
+    if (o.trailingMarks) {
+        const int x = left + (95 + right) * o.moduleWidth;
+        p.drawRect(x, top, 3 * o.moduleWidth, o.barHeight);
+        p.drawRect(x + 13 * o.moduleWidth, top, 3 * o.moduleWidth, o.barHeight);
     }
     if (o.frame) {
         const int m = o.moduleWidth;
