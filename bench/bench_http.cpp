@@ -1,6 +1,8 @@
 // Serves a 1 KB and a 1 MB file to wrk over 127.0.0.1 and prints requests per
 // second, beside nginx serving the same files in the same run when it is
-// installed. Usage: bench_http [seconds per load, default 5] [connections, default 50]
+// installed. The machine may be shared, so the two servers take turns for a few
+// rounds and the median of each is compared.
+// Usage: bench_http [seconds per load, default 3] [connections, default 50] [rounds, default 3]
 #include "sharing/http/HTTPServer.h"
 
 #include <QCoreApplication>
@@ -15,6 +17,7 @@
 #include <QTextStream>
 #include <QThread>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -130,8 +133,9 @@ private:
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    const int seconds = argc > 1 ? std::max(1, atoi(argv[1])) : 5;
+    const int seconds = argc > 1 ? std::max(1, atoi(argv[1])) : 3;
     const int connections = argc > 2 ? std::max(1, atoi(argv[2])) : 50;
+    const int rounds = argc > 3 ? std::max(1, atoi(argv[3])) : 3;
     if (QStandardPaths::findExecutable(QStringLiteral("wrk")).isEmpty()) {
         fprintf(stderr, "wrk is not installed\n");
         return 1;
@@ -173,21 +177,42 @@ int main(int argc, char **argv)
         }
     }
 
-    printf("wrk -t2 -c%d, %d s per load, 127.0.0.1\n", connections, seconds);
+    printf("wrk -t2 -c%d, %d s per load, median of %d alternating rounds, 127.0.0.1\n", connections, seconds,
+           rounds);
     printf("%-8s %16s %16s %8s\n", "file", "zettary req/s", "nginx req/s", "ratio");
     for (const QString file : {QStringLiteral("1k.bin"), QStringLiteral("1m.bin")}) {
-        const auto ours = runWrk(server.listeningPort(), file, seconds, connections);
-        const auto theirs = nginxPort ? runWrk(nginxPort, file, seconds, connections) : std::nullopt;
+        QList<double> ours;
+        QList<double> theirs;
+        for (int round = 0; round < rounds; ++round) {
+            if (const auto load = runWrk(server.listeningPort(), file, seconds, connections))
+                ours.append(load->requestsPerSecond);
+            if (nginxPort) {
+                if (const auto load = runWrk(nginxPort, file, seconds, connections))
+                    theirs.append(load->requestsPerSecond);
+            }
+        }
+        const auto median = [](QList<double> values) {
+            std::sort(values.begin(), values.end());
+            return values.isEmpty() ? 0.0 : values[values.size() / 2];
+        };
+        const auto figures = [](const QList<double> &values) {
+            QStringList texts;
+            for (double v : values)
+                texts.append(QString::number(v, 'f', 0));
+            return texts.join(QLatin1Char(' '));
+        };
+        const double oursMedian = median(ours);
+        const double theirsMedian = median(theirs);
         const QString oursText =
-            ours ? QString::number(ours->requestsPerSecond, 'f', 0) : QStringLiteral("failed");
+            ours.isEmpty() ? QStringLiteral("failed") : QString::number(oursMedian, 'f', 0);
         const QString theirsText =
-            theirs ? QString::number(theirs->requestsPerSecond, 'f', 0) : QStringLiteral("-");
-        const QString ratio = ours && theirs && theirs->requestsPerSecond > 0
-                                  ? QStringLiteral("%1%").arg(
-                                        100 * ours->requestsPerSecond / theirs->requestsPerSecond, 0, 'f', 0)
+            theirs.isEmpty() ? QStringLiteral("-") : QString::number(theirsMedian, 'f', 0);
+        const QString ratio = oursMedian > 0 && theirsMedian > 0
+                                  ? QStringLiteral("%1%").arg(100 * oursMedian / theirsMedian, 0, 'f', 0)
                                   : QStringLiteral("-");
-        printf("%-8s %16s %16s %8s\n", qPrintable(file), qPrintable(oursText), qPrintable(theirsText),
-               qPrintable(ratio));
+        printf("%-8s %16s %16s %8s   (rounds: zettary %s; nginx %s)\n", qPrintable(file),
+               qPrintable(oursText), qPrintable(theirsText), qPrintable(ratio), qPrintable(figures(ours)),
+               qPrintable(figures(theirs)));
         fflush(stdout);
     }
     server.stop();

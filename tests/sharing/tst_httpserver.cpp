@@ -790,6 +790,33 @@ private Q_SLOTS:
         QCOMPARE(response.body, QByteArray("secret"));
     }
 
+    void findsRootMadeOrReplacedAfterStart()
+    {
+        const QString root = m_dir.path() + "/later";
+        HTTPServer server;
+        server.setDocumentRoot(root);
+        QVERIFY(server.start());
+        auto socket = connectClient(server.listeningPort());
+        QVERIFY(socket);
+        Response response;
+        socket->write("GET /a.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.status, 404);
+
+        QVERIFY(QDir().mkpath(root));
+        QVERIFY(writeFile(root + "/a.txt", "first"));
+        socket->write("GET /a.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.body, QByteArray("first"));
+
+        QVERIFY(QDir().rename(root, root + "-old"));
+        QVERIFY(QDir().mkpath(root));
+        QVERIFY(writeFile(root + "/b.txt", "second"));
+        socket->write("GET /b.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.body, QByteArray("second"));
+    }
+
     void stopClosesConnectionsAndWithdrawsService()
     {
         FakePublisher publisher;

@@ -124,7 +124,8 @@ QString HTTPConnection::requestDescription() const
     return QStringLiteral("%1:%2").arg(m_socket->peerAddress().toString()).arg(m_socket->peerPort());
 }
 
-HTTPDocumentRoot::File HTTPConnection::openFileForURI(const QString &uri, DirectoryPolicy policy)
+HTTPDocumentRoot::File HTTPConnection::openFileForURI(const QString &uri, DirectoryPolicy policy,
+                                                      bool lookedAgain)
 {
     using File = HTTPDocumentRoot::File;
     const std::shared_ptr<const HTTPDocumentRoot> root = m_server->resolvedDocumentRoot();
@@ -152,10 +153,10 @@ HTTPDocumentRoot::File HTTPConnection::openFileForURI(const QString &uri, Direct
     }
     const QString relative = lexical.mid(1);
     File file = root->open(relative);
-    if (file.status == HTTPDocumentRoot::Status::Missing && !root->isCurrent()) {
+    if (file.status == HTTPDocumentRoot::Status::Missing && !lookedAgain && !root->isCurrent()) {
         // The folder was replaced since it was opened: look again in the new one.
         m_server->forgetDocumentRoot(root);
-        return openFileForURI(uri, policy);
+        return openFileForURI(uri, policy, true);
     }
     if (file.status == HTTPDocumentRoot::Status::Outside)
         ZTLog::warning(kHTTPLogContext,

@@ -73,7 +73,8 @@ private:
     void die();
     QString logPrefix() const;
     QString requestDescription() const;
-    HTTPDocumentRoot::File openFileForURI(const QString &uri, DirectoryPolicy policy);
+    HTTPDocumentRoot::File openFileForURI(const QString &uri, DirectoryPolicy policy,
+                                          bool lookedAgain = false);
 
     HTTPServer *m_server;
     HTTPServer::Timeouts m_timeouts;

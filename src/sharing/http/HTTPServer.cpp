@@ -159,12 +159,7 @@ bool HTTPServer::start(QString *error)
             message = m_listener->errorString();
     });
     if (!listening) {
-        m_acceptQueue->stop();
-        m_acceptQueue.reset();
-        m_listener = nullptr;
-        for (auto &queue : m_queues)
-            queue->stop();
-        m_queues.clear();
+        stopQueues();
         if (error)
             *error = message;
         return false;
@@ -187,6 +182,13 @@ void HTTPServer::stop()
         if (m_publisher)
             m_publisher->unpublish();
     }
+    stopQueues();
+    m_running = false;
+    m_listeningPort = 0;
+}
+
+void HTTPServer::stopQueues()
+{
     // No new clients first, then the open connections, each on its own queue.
     m_acceptQueue->stop();
     m_acceptQueue.reset();
@@ -194,8 +196,6 @@ void HTTPServer::stop()
     for (auto &queue : m_queues)
         queue->stop();
     m_queues.clear();
-    m_running = false;
-    m_listeningPort = 0;
 }
 
 bool HTTPServer::isRunning() const

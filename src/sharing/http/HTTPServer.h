@@ -77,6 +77,7 @@ public:
 
 private:
     friend class HTTPConnection;
+    void stopQueues();
     void dispatch(qintptr socketDescriptor);
     // The document root held open; made again after the path changes.
     std::shared_ptr<const HTTPDocumentRoot> resolvedDocumentRoot();
