@@ -13,10 +13,7 @@
 
 #include <cerrno>
 #include <chrono>
-#include <climits>
-#include <cstdlib>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -254,8 +251,6 @@ void HTTPConnection::replyToRequest()
 {
     m_readDeadline = 0;
     postReceivedURL();
-    if (m_state != State::ReadingHeader)
-        return; // an observer closed us
     const QByteArray version = m_request.version();
     const QByteArray method = m_request.method();
     const QString uri = QString::fromUtf8(m_request.target());
