@@ -520,6 +520,7 @@ private Q_SLOTS:
         // The request line, the fields and the empty line all count.
         QTest::newRow("100 lines") << 20 << 98 << 200;
         QTest::newRow("101 lines") << 20 << 99 << 400;
+        QTest::newRow("100 lines near the longest") << 8190 << 98 << 200;
         QTest::newRow("many lines") << 20 << 500 << 400;
     }
 
