@@ -18,8 +18,10 @@
 #include <QThread>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <optional>
+#include <sys/prctl.h>
 
 namespace {
 quint16 freeLoopbackPort()
@@ -49,6 +51,7 @@ struct Load {
 std::optional<Load> runWrk(quint16 port, const QString &file, int seconds, int connections)
 {
     QProcess wrk;
+    wrk.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     wrk.start(QStringLiteral("wrk"),
               {"-t2", QStringLiteral("-c%1").arg(connections), QStringLiteral("-d%1s").arg(seconds),
                QStringLiteral("http://127.0.0.1:%1/%2").arg(port).arg(file)});
@@ -98,6 +101,8 @@ public:
                            << "}\n";
         file.close();
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // Should this program die before it can stop nginx, nginx goes too.
+        m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
         m_process.start(binary, {"-p", work, "-e", work + "/error.log", "-c", conf});
         if (!m_process.waitForStarted(5000))
             return false;
