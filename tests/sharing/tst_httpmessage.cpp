@@ -145,6 +145,57 @@ private Q_SLOTS:
         QFETCH(QList<HTTPByteRange>, expected);
         QCOMPARE(HTTPByteRanges::parse(header, length), expected);
     }
+
+    void rangesFromArbitraryHeadersStayInsideFile()
+    {
+        // Whatever a client sends, the ranges handed to the connection never
+        // reach past the file and never overlap.
+        QRandomGenerator random(20261123);
+        const QByteArray alphabet = "0123456789-, =bytes";
+        for (int round = 0; round < 20000; ++round) {
+            QByteArray header = round % 3 ? "bytes=" : "";
+            const int length = int(random.bounded(24));
+            for (int i = 0; i < length; ++i)
+                header += alphabet[int(random.bounded(alphabet.size()))];
+            const quint64 fileLength = random.bounded(40);
+            QList<HTTPByteRange> ranges = HTTPByteRanges::parse(header, fileLength);
+            std::sort(ranges.begin(), ranges.end(),
+                      [](const HTTPByteRange &a, const HTTPByteRange &b) { return a.location < b.location; });
+            for (qsizetype i = 0; i < ranges.size(); ++i) {
+                QVERIFY2(ranges[i].length > 0, header.constData());
+                QVERIFY2(ranges[i].location + ranges[i].length <= fileLength, header.constData());
+                if (i > 0)
+                    QVERIFY2(ranges[i].location > ranges[i - 1].last(), header.constData());
+            }
+        }
+    }
+
+    void arbitraryLinesNeverYieldAnInvalidRequest()
+    {
+        QRandomGenerator random(7);
+        for (int round = 0; round < 20000; ++round) {
+            HTTPMessage request;
+            bool accepted = true;
+            for (int line = 0; line < 4 && accepted; ++line) {
+                QByteArray text = line == 0 && round % 2 ? "GET / HTTP/1.1" : QByteArray();
+                const int length = int(random.bounded(20));
+                for (int i = 0; i < length; ++i)
+                    text += char(random.bounded(256));
+                accepted = request.appendData(text);
+            }
+            if (!request.method().isEmpty()) {
+                QVERIFY(!request.target().isEmpty());
+                QCOMPARE(request.version().size(), 8);
+                for (char c : request.target())
+                    QVERIFY(static_cast<unsigned char>(c) > 0x20 && c != 0x7f);
+            }
+            for (const auto &field : request.allHeaderFields()) {
+                QVERIFY(!field.first.isEmpty());
+                QVERIFY(!field.second.contains('\n') && !field.second.contains('\r') &&
+                        !field.second.contains('\0'));
+            }
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(TestHTTPMessage)

@@ -14,9 +14,13 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <arpa/inet.h>
 #include <memory>
+#include <netinet/in.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -257,6 +261,29 @@ private Q_SLOTS:
         QVERIFY(file.readAll() == m_big);
     }
 
+    void survivesClientsThatLeaveEarly()
+    {
+        // Clients that close right after asking: the answer meets a reset
+        // connection, which must fail quietly instead of ending the program.
+        for (int i = 0; i < 100; ++i) {
+            const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+            QVERIFY(fd >= 0);
+            sockaddr_in address{};
+            address.sin_family = AF_INET;
+            address.sin_port = htons(m_server->listeningPort());
+            address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+            QCOMPARE(::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+            const QByteArray request = i % 2 ? "GET /big.bin HTTP/1.1\r\n\r\n"
+                                             : "GET /big.bin HTTP/1.1\r\nRange: bytes=0-9,100-,20-29\r\n\r\n";
+            QCOMPARE(::send(fd, request.constData(), size_t(request.size()), MSG_NOSIGNAL),
+                     ssize_t(request.size()));
+            ::close(fd);
+        }
+        QTRY_COMPARE(m_server->numberOfHTTPConnections(), 0);
+        const Response response = exchange("GET /ten.txt HTTP/1.1\r\n\r\n");
+        QCOMPARE(response.status, 200);
+    }
+
     void answersSingleRanges_data()
     {
         QTest::addColumn<QByteArray>("range");
@@ -493,6 +520,7 @@ private Q_SLOTS:
         // The request line, the fields and the empty line all count.
         QTest::newRow("100 lines") << 20 << 98 << 200;
         QTest::newRow("101 lines") << 20 << 99 << 400;
+        QTest::newRow("100 lines near the longest") << 8190 << 98 << 200;
         QTest::newRow("many lines") << 20 << 500 << 400;
     }
 
@@ -761,6 +789,33 @@ private Q_SLOTS:
         QVERIFY(readResponse(*socket, response));
         QCOMPARE(response.status, 200);
         QCOMPARE(response.body, QByteArray("secret"));
+    }
+
+    void findsRootMadeOrReplacedAfterStart()
+    {
+        const QString root = m_dir.path() + "/later";
+        HTTPServer server;
+        server.setDocumentRoot(root);
+        QVERIFY(server.start());
+        auto socket = connectClient(server.listeningPort());
+        QVERIFY(socket);
+        Response response;
+        socket->write("GET /a.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.status, 404);
+
+        QVERIFY(QDir().mkpath(root));
+        QVERIFY(writeFile(root + "/a.txt", "first"));
+        socket->write("GET /a.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.body, QByteArray("first"));
+
+        QVERIFY(QDir().rename(root, root + "-old"));
+        QVERIFY(QDir().mkpath(root));
+        QVERIFY(writeFile(root + "/b.txt", "second"));
+        socket->write("GET /b.txt HTTP/1.1\r\n\r\n");
+        QVERIFY(readResponse(*socket, response));
+        QCOMPARE(response.body, QByteArray("second"));
     }
 
     void stopClosesConnectionsAndWithdrawsService()

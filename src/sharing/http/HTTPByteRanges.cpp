@@ -1,18 +1,11 @@
 #include "sharing/http/HTTPByteRanges.h"
 
+#include "sharing/http/HTTPMessage.h"
+
 #include <algorithm>
 #include <optional>
 
 namespace {
-QByteArrayView trimmed(QByteArrayView text)
-{
-    while (!text.isEmpty() && (text.front() == ' ' || text.front() == '\t'))
-        text = text.sliced(1);
-    while (!text.isEmpty() && (text.back() == ' ' || text.back() == '\t'))
-        text.chop(1);
-    return text;
-}
-
 // Digits only: no sign, no spaces inside, no overflow.
 std::optional<quint64> parseNumber(QByteArrayView text)
 {
@@ -32,8 +25,8 @@ std::optional<HTTPByteRange> parseSpec(QByteArrayView spec, quint64 contentLengt
     const qsizetype dash = spec.indexOf('-');
     if (dash < 0)
         return std::nullopt;
-    const QByteArrayView first = trimmed(spec.first(dash));
-    const QByteArrayView last = trimmed(spec.sliced(dash + 1));
+    const QByteArrayView first = HTTPMessage::trimmedWhitespace(spec.first(dash));
+    const QByteArrayView last = HTTPMessage::trimmedWhitespace(spec.sliced(dash + 1));
     if (first.isEmpty()) {
         const auto suffix = parseNumber(last);
         if (!suffix || *suffix == 0 || contentLength == 0)
@@ -56,15 +49,16 @@ std::optional<HTTPByteRange> parseSpec(QByteArrayView spec, quint64 contentLengt
 
 QList<HTTPByteRange> HTTPByteRanges::parse(QByteArrayView header, quint64 contentLength)
 {
-    header = trimmed(header);
+    header = HTTPMessage::trimmedWhitespace(header);
     const qsizetype equals = header.indexOf('=');
-    if (equals < 0 || trimmed(header.first(equals)).compare("bytes", Qt::CaseInsensitive) != 0)
+    if (equals < 0 ||
+        HTTPMessage::trimmedWhitespace(header.first(equals)).compare("bytes", Qt::CaseInsensitive) != 0)
         return {};
     QList<HTTPByteRange> ranges;
     QByteArrayView rest = header.sliced(equals + 1);
     while (true) {
         const qsizetype comma = rest.indexOf(',');
-        const QByteArrayView spec = trimmed(comma < 0 ? rest : rest.first(comma));
+        const QByteArrayView spec = HTTPMessage::trimmedWhitespace(comma < 0 ? rest : rest.first(comma));
         // Empty list elements ("0-1,,4-5") are allowed by the list syntax.
         if (!spec.isEmpty()) {
             const auto range = parseSpec(spec, contentLength);

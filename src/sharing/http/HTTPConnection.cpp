@@ -11,16 +11,13 @@
 #include <QTcpSocket>
 #include <QUrl>
 
+#include <cerrno>
 #include <chrono>
-#include <climits>
-#include <cstdlib>
-#include <sys/stat.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
-// Pieces smaller than this are gathered into one write; larger ones are handed
-// to the socket as they are, without copying.
-constexpr qsizetype kGatherLimit = 16384;
 
 qint64 nowMs()
 {
@@ -40,27 +37,6 @@ QByteArray currentDateString()
         s_text = HTTPMessage::dateString(second);
     }
     return s_text;
-}
-
-QString realPath(const QString &path)
-{
-    char resolved[PATH_MAX];
-    if (!::realpath(path.toUtf8().constData(), resolved))
-        return {};
-    return QString::fromUtf8(resolved);
-}
-
-bool isInside(const QString &path, const QString &root)
-{
-    if (root == QLatin1String("/"))
-        return path.startsWith(QLatin1Char('/'));
-    return path == root || (path.startsWith(root) && path.at(root.size()) == QLatin1Char('/'));
-}
-
-bool isDirectory(const QString &path)
-{
-    struct stat info {};
-    return ::stat(path.toUtf8().constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 // The path of a request target: origin form ("/a/b?q") or absolute form
@@ -145,75 +121,73 @@ QString HTTPConnection::requestDescription() const
     return QStringLiteral("%1:%2").arg(m_socket->peerAddress().toString()).arg(m_socket->peerPort());
 }
 
-QString HTTPConnection::canonicalDocumentRoot()
+HTTPDocumentRoot::File HTTPConnection::openFileForURI(const QString &uri, DirectoryPolicy policy,
+                                                      bool lookedAgain)
 {
-    const QString root = m_server->documentRoot();
-    if (root != m_rootKey || m_canonicalRoot.isEmpty()) {
-        m_rootKey = root;
-        m_canonicalRoot = isDirectory(root) ? realPath(root) : QString();
+    using File = HTTPDocumentRoot::File;
+    const std::shared_ptr<const HTTPDocumentRoot> root = m_server->resolvedDocumentRoot();
+    if (root->path().isEmpty()) {
+        ZTLog::warning(kHTTPLogContext, QStringLiteral("%1: No configured document root").arg(logPrefix()));
+        return File();
     }
-    return m_canonicalRoot;
+    if (!root->isValid()) {
+        ZTLog::warning(kHTTPLogContext,
+                       QStringLiteral("%1: Document root is invalid file path").arg(logPrefix()));
+        return File();
+    }
+    const QByteArray encodedPath = targetPath(uri.toUtf8());
+    if (!encodedPath.startsWith('/'))
+        return File();
+    const QByteArray decoded = QByteArray::fromPercentEncoding(encodedPath);
+    if (decoded.contains('\0'))
+        return File();
+    // First by the text alone; symbolic links are then kept in by the root.
+    const QString lexical = QDir::cleanPath(QLatin1Char('/') + QString::fromUtf8(decoded));
+    if (lexical.startsWith(QLatin1String("/.."))) {
+        ZTLog::warning(kHTTPLogContext,
+                       QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
+        return File();
+    }
+    const QString relative = lexical.mid(1);
+    File file = root->open(relative);
+    if (file.status == HTTPDocumentRoot::Status::Missing && !lookedAgain && !root->isCurrent()) {
+        // The folder was replaced since it was opened: look again in the new one.
+        m_server->forgetDocumentRoot(root);
+        return openFileForURI(uri, policy, true);
+    }
+    if (file.status == HTTPDocumentRoot::Status::Outside)
+        ZTLog::warning(kHTTPLogContext,
+                       QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
+    if (file.status != HTTPDocumentRoot::Status::Opened || !file.isDirectory ||
+        policy == DirectoryPolicy::AllowDirectory)
+        return file;
+    for (const char *index : {"index.html", "index.htm"}) {
+        const QString name = QString::fromLatin1(index);
+        File candidate = root->open(relative.isEmpty() ? name : relative + QLatin1Char('/') + name);
+        if (candidate.status == HTTPDocumentRoot::Status::Outside) {
+            ZTLog::warning(kHTTPLogContext,
+                           QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
+            return File();
+        }
+        if (candidate.status == HTTPDocumentRoot::Status::Opened)
+            return candidate;
+    }
+    return File();
 }
 
 QString HTTPConnection::filePathForURI(const QString &uri, DirectoryPolicy policy)
 {
-    if (m_server->documentRoot().isEmpty()) {
-        ZTLog::warning(kHTTPLogContext, QStringLiteral("%1: No configured document root").arg(logPrefix()));
-        return {};
-    }
-    const QString root = canonicalDocumentRoot();
-    if (root.isEmpty()) {
-        ZTLog::warning(kHTTPLogContext,
-                       QStringLiteral("%1: Document root is invalid file path").arg(logPrefix()));
-        return {};
-    }
-    const QByteArray encodedPath = targetPath(uri.toUtf8());
-    if (!encodedPath.startsWith('/'))
-        return {};
-    const QByteArray decoded = QByteArray::fromPercentEncoding(encodedPath);
-    if (decoded.contains('\0'))
-        return {};
-    // First by the text alone, then once more with symbolic links resolved, so
-    // that neither "/../" nor a link can lead out of the root.
-    const QString lexical = QDir::cleanPath(root + QLatin1Char('/') + QString::fromUtf8(decoded));
-    if (!isInside(lexical, root)) {
-        ZTLog::warning(kHTTPLogContext,
-                       QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
-        return {};
-    }
-    QString path = realPath(lexical);
-    if (path.isEmpty())
-        return {};
-    if (!isInside(path, root)) {
-        ZTLog::warning(kHTTPLogContext,
-                       QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
-        return {};
-    }
-    if (policy == DirectoryPolicy::AllowDirectory || !isDirectory(path))
-        return path;
-    for (const char *index : {"index.html", "index.htm"}) {
-        const QString candidate = realPath(path + QLatin1Char('/') + QLatin1String(index));
-        if (candidate.isEmpty())
-            continue;
-        if (!isInside(candidate, root)) {
-            ZTLog::warning(kHTTPLogContext,
-                           QStringLiteral("%1: Request for file outside document root").arg(logPrefix()));
-            return {};
-        }
-        return candidate;
-    }
-    return {};
+    return openFileForURI(uri, policy).path;
 }
 
 std::unique_ptr<HTTPFileResponse> HTTPConnection::httpResponseForMethod(QByteArrayView, const QString &uri)
 {
-    const QString path = filePathForURI(uri, DirectoryPolicy::ServeIndexFile);
-    if (path.isEmpty())
+    HTTPDocumentRoot::File file = openFileForURI(uri, DirectoryPolicy::ServeIndexFile);
+    if (file.status != HTTPDocumentRoot::Status::Opened || !file.isRegularFile)
         return nullptr;
-    auto response = std::make_unique<HTTPFileResponse>(path, this);
-    if (!response->isValid())
-        return nullptr;
-    return response;
+    const quint64 size = file.size;
+    const QString path = file.path;
+    return std::make_unique<HTTPFileResponse>(file.takeDescriptor(), size, path, this);
 }
 
 void HTTPConnection::startReadingHeader()
@@ -277,8 +251,6 @@ void HTTPConnection::replyToRequest()
 {
     m_readDeadline = 0;
     postReceivedURL();
-    if (m_state != State::ReadingHeader)
-        return; // an observer closed us
     const QByteArray version = m_request.version();
     const QByteArray method = m_request.method();
     const QString uri = QString::fromUtf8(m_request.target());
@@ -398,59 +370,118 @@ void HTTPConnection::writeMore()
     if (m_inWrite)
         return;
     m_inWrite = true;
-    // Each round reads at most one chunk of the file; the next round starts
+    // Each round sends at most one chunk of the file; the next round starts
     // only once the socket has handed everything before it to the system.
     while (m_state == State::Writing && m_socket->bytesToWrite() == 0) {
         if (m_partIndex >= m_parts.size()) {
             finishResponse();
             break;
         }
-        QByteArray gathered;
-        qint64 round = 0;
-        auto queue = [this](const QByteArray &data) {
-            m_socket->write(data);
-            m_bytesQueued += data.size();
-        };
-        while (m_partIndex < m_parts.size() && round < kReadChunkSize) {
-            BodyPart &part = m_parts[m_partIndex];
-            QByteArray piece;
-            if (!part.literal.isEmpty()) {
-                piece = std::move(part.literal);
-                ++m_partIndex;
-            } else if (part.fileRemaining > 0) {
-                if (m_response->offset() != part.fileOffset)
-                    m_response->setOffset(part.fileOffset);
-                piece = m_response->readDataOfLength(std::min<quint64>(kReadChunkSize, part.fileRemaining));
-                if (piece.isEmpty()) {
-                    // The file shrank under us: the promised length cannot be kept.
-                    abortConnection();
-                    m_inWrite = false;
-                    return;
-                }
-                part.fileOffset += quint64(piece.size());
-                part.fileRemaining -= quint64(piece.size());
-                if (part.fileRemaining == 0)
-                    ++m_partIndex;
-            } else {
-                ++m_partIndex;
-                continue;
-            }
-            round += piece.size();
-            if (piece.size() < kGatherLimit) {
-                gathered += piece;
-            } else {
-                if (!gathered.isEmpty())
-                    queue(std::exchange(gathered, {}));
-                queue(piece);
-            }
+        if (!sendRound()) {
+            abortConnection();
+            break;
         }
-        if (!gathered.isEmpty())
-            queue(gathered);
-        m_socket->flush();
     }
     m_inWrite = false;
     if (m_state == State::ReadingHeader && !m_inReadLoop)
         readRequestHeader();
+}
+
+bool HTTPConnection::sendRound()
+{
+    Pieces pieces;
+    qint64 round = 0;
+    while (m_partIndex < m_parts.size() && round < kReadChunkSize) {
+        BodyPart &part = m_parts[m_partIndex];
+        if (!part.literal.isEmpty()) {
+            round += part.literal.size();
+            pieces.append(std::move(part.literal));
+            ++m_partIndex;
+            continue;
+        }
+        if (part.fileRemaining == 0) {
+            ++m_partIndex;
+            continue;
+        }
+        const quint64 length = std::min<quint64>(kReadChunkSize, part.fileRemaining);
+        if (m_response->offset() != part.fileOffset)
+            m_response->setOffset(part.fileOffset);
+        if (qint64(length) >= kSendFileMinimum) {
+            // Large pieces go from the file to the socket inside the kernel;
+            // what is gathered before them leaves first.
+            if (!sendPieces(pieces, MoreFollows::Yes))
+                return false;
+            pieces.clear();
+            if (m_socket->bytesToWrite() > 0)
+                return true; // the system is full: go on when it has room
+            const qint64 sent = m_response->sendDataOfLength(int(m_socket->socketDescriptor()), length);
+            if (sent < 0)
+                return false;
+            m_bytesQueued += sent;
+            if (quint64(sent) < length) {
+                const QByteArray rest = m_response->readDataOfLength(length - quint64(sent));
+                if (quint64(rest.size()) != length - quint64(sent))
+                    return false; // the file shrank under us: the promised length cannot be kept
+                m_socket->write(rest);
+                m_bytesQueued += rest.size();
+            }
+        } else {
+            QByteArray piece = m_response->readDataOfLength(length);
+            if (quint64(piece.size()) != length)
+                return false;
+            pieces.append(std::move(piece));
+        }
+        part.fileOffset += length;
+        part.fileRemaining -= length;
+        if (part.fileRemaining == 0)
+            ++m_partIndex;
+        round += qint64(length);
+    }
+    return sendPieces(pieces, MoreFollows::No);
+}
+
+bool HTTPConnection::sendPieces(const Pieces &pieces, MoreFollows more)
+{
+    if (pieces.isEmpty())
+        return true;
+    // The socket's own buffer is empty whenever a round starts, so the bytes
+    // may go straight to the system in one call without changing their order;
+    // only what the system cannot take now waits in the socket's buffer. This
+    // spares the event loop a notifier round trip on almost every answer.
+    qint64 sent = 0;
+    qint64 total = 0;
+    iovec vectors[kMaxVectors];
+    int count = 0;
+    for (const QByteArray &piece : pieces) {
+        total += piece.size();
+        if (count < kMaxVectors)
+            vectors[count++] = {const_cast<char *>(piece.constData()), size_t(piece.size())};
+    }
+    msghdr message{};
+    message.msg_iov = vectors;
+    message.msg_iovlen = size_t(count);
+    ssize_t n;
+    do {
+        n = ::sendmsg(int(m_socket->socketDescriptor()), &message,
+                      MSG_NOSIGNAL | MSG_DONTWAIT | (more == MoreFollows::Yes ? MSG_MORE : 0));
+    } while (n < 0 && errno == EINTR);
+    if (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK)
+        return false;
+    sent = std::max<qint64>(n, 0);
+    m_bytesQueued += total;
+    qint64 skip = sent;
+    for (const QByteArray &piece : pieces) {
+        if (skip >= piece.size()) {
+            skip -= piece.size();
+            continue;
+        }
+        if (skip > 0)
+            m_socket->write(piece.constData() + skip, piece.size() - skip);
+        else
+            m_socket->write(piece);
+        skip = 0;
+    }
+    return true;
 }
 
 void HTTPConnection::onBytesWritten()

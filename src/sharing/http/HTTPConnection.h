@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sharing/http/HTTPByteRanges.h"
+#include "sharing/http/HTTPDocumentRoot.h"
 #include "sharing/http/HTTPMessage.h"
 #include "sharing/http/HTTPServer.h"
 
@@ -8,6 +9,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QVarLengthArray>
 
 #include <memory>
 
@@ -57,14 +59,22 @@ private:
     void sendErrorResponse(int status, QByteArrayView description, bool close);
     void sendFileResponse(std::unique_ptr<HTTPFileResponse> response, bool headOnly);
     void sendResponse(HTTPMessage &head, bool close);
+    using Pieces = QVarLengthArray<QByteArray, 8>;
+    static constexpr int kMaxVectors = 64;
+    static constexpr qint64 kSendFileMinimum = 65536;
+    enum class MoreFollows { No, Yes };
+
     void writeMore();
+    bool sendRound();
+    bool sendPieces(const Pieces &pieces, MoreFollows more);
     void onBytesWritten();
     void finishResponse();
     void startReadingHeader();
     void die();
     QString logPrefix() const;
     QString requestDescription() const;
-    QString canonicalDocumentRoot();
+    HTTPDocumentRoot::File openFileForURI(const QString &uri, DirectoryPolicy policy,
+                                          bool lookedAgain = false);
 
     HTTPServer *m_server;
     HTTPServer::Timeouts m_timeouts;
@@ -84,7 +94,4 @@ private:
 
     qint64 m_readDeadline = 0;  // monotonic ms; 0 when not reading a header
     qint64 m_writeDeadline = 0; // monotonic ms; 0 once the head has gone out
-
-    QString m_rootKey;
-    QString m_canonicalRoot;
 };

@@ -4,9 +4,25 @@
 #include "sharing/http/HTTPServer.h"
 
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+// The connection threads block SIGPIPE; take the one a dead client raised so
+// that it does not stay pending.
+void discardPendingPipeSignal()
+{
+    sigset_t pipe;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    const timespec now{0, 0};
+    while (::sigtimedwait(&pipe, nullptr, &now) == SIGPIPE) {
+    }
+}
+} // namespace
 
 HTTPFileResponse::HTTPFileResponse(const QString &filePath, HTTPConnection *connection)
     : m_filePath(filePath), m_connection(connection)
@@ -24,6 +40,12 @@ HTTPFileResponse::HTTPFileResponse(const QString &filePath, HTTPConnection *conn
     }
     m_fd = fd;
     m_contentLength = quint64(info.st_size);
+}
+
+HTTPFileResponse::HTTPFileResponse(int descriptor, quint64 length, const QString &filePath,
+                                   HTTPConnection *connection)
+    : m_filePath(filePath), m_connection(connection), m_fd(descriptor), m_contentLength(length)
+{
 }
 
 HTTPFileResponse::~HTTPFileResponse()
@@ -60,4 +82,30 @@ QByteArray HTTPFileResponse::readDataOfLength(quint64 length)
     data.truncate(filled);
     m_offset += quint64(filled);
     return data;
+}
+
+qint64 HTTPFileResponse::sendDataOfLength(int socketDescriptor, quint64 length)
+{
+    if (m_fd < 0 || isDone())
+        return 0;
+    length = std::min(length, m_contentLength - m_offset);
+    quint64 sent = 0;
+    while (sent < length) {
+        off_t position = off_t(m_offset);
+        const ssize_t n = ::sendfile(socketDescriptor, m_fd, &position, size_t(length - sent));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
+            break;
+        if (n < 0) {
+            if (errno == EPIPE)
+                discardPendingPipeSignal();
+            return -1;
+        }
+        if (n == 0)
+            break; // the file shrank; the caller finds out when it reads the rest
+        sent += quint64(n);
+        m_offset += quint64(n);
+    }
+    return qint64(sent);
 }

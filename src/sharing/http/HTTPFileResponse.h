@@ -11,6 +11,8 @@ class HTTPConnection;
 class HTTPFileResponse {
 public:
     HTTPFileResponse(const QString &filePath, HTTPConnection *connection);
+    // Takes over a descriptor already open on a regular file of the given length.
+    HTTPFileResponse(int descriptor, quint64 length, const QString &filePath, HTTPConnection *connection);
     ~HTTPFileResponse();
     HTTPFileResponse(const HTTPFileResponse &) = delete;
     HTTPFileResponse &operator=(const HTTPFileResponse &) = delete;
@@ -26,6 +28,10 @@ public:
     // Up to length bytes from the offset on, which then moves past them. Empty
     // at the end of the file, or when the file can no longer be read (it shrank).
     QByteArray readDataOfLength(quint64 length);
+    // Like readDataOfLength, but the bytes go straight from the file to a
+    // non-blocking socket. Returns how many went (maybe fewer than asked when
+    // the socket is full), or -1 when the socket failed.
+    qint64 sendDataOfLength(int socketDescriptor, quint64 length);
     bool isDone() const { return m_offset >= m_contentLength; }
 
 private:

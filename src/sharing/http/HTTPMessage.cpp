@@ -44,14 +44,6 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-QByteArrayView trimmedWhitespace(QByteArrayView text)
-{
-    while (!text.isEmpty() && (text.front() == ' ' || text.front() == '\t'))
-        text = text.sliced(1);
-    while (!text.isEmpty() && (text.back() == ' ' || text.back() == '\t'))
-        text.chop(1);
-    return text;
-}
 } // namespace
 
 HTTPMessage HTTPMessage::response(int statusCode, QByteArrayView description, QByteArrayView version)
@@ -185,6 +177,15 @@ QByteArray HTTPMessage::messageData() const
         data += field.first + ": " + field.second + "\r\n";
     data += "\r\n";
     return data;
+}
+
+QByteArrayView HTTPMessage::trimmedWhitespace(QByteArrayView text)
+{
+    while (!text.isEmpty() && (text.front() == ' ' || text.front() == '\t'))
+        text = text.sliced(1);
+    while (!text.isEmpty() && (text.back() == ' ' || text.back() == '\t'))
+        text.chop(1);
+    return text;
 }
 
 QByteArray HTTPMessage::dateString(qint64 secondsSinceEpoch)

@@ -40,6 +40,8 @@ public:
 
     // The text of a "Date" field for the given moment, always in English and GMT.
     static QByteArray dateString(qint64 secondsSinceEpoch);
+    // Without the spaces and tabs that HTTP allows around values.
+    static QByteArrayView trimmedWhitespace(QByteArrayView text);
 
 private:
     bool parseRequestLine(QByteArrayView line);

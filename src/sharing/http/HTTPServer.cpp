@@ -1,6 +1,7 @@
 #include "sharing/http/HTTPServer.h"
 
 #include "sharing/http/HTTPConnection.h"
+#include "sharing/http/HTTPDocumentRoot.h"
 #include "sharing/http/HTTPQueue.h"
 #include "sharing/http/HTTPServicePublisher.h"
 
@@ -8,6 +9,8 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <csignal>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace {
@@ -57,13 +60,42 @@ HTTPServer::~HTTPServer()
         member = value;                                                                                      \
     }
 
-HTTP_SERVER_PROPERTY(QString, documentRoot, setDocumentRoot, m_documentRoot)
 HTTP_SERVER_PROPERTY(QString, name, setName, m_name)
 HTTP_SERVER_PROPERTY(QString, type, setType, m_type)
 HTTP_SERVER_PROPERTY(QString, domain, setDomain, m_domain)
 HTTP_SERVER_PROPERTY(QHostAddress, interface, setInterface, m_interface)
 HTTP_SERVER_PROPERTY(HTTPServer::Timeouts, timeouts, setTimeouts, m_timeouts)
 #undef HTTP_SERVER_PROPERTY
+
+QString HTTPServer::documentRoot() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_documentRoot;
+}
+
+void HTTPServer::setDocumentRoot(const QString &path)
+{
+    QMutexLocker lock(&m_mutex);
+    m_documentRoot = path;
+    m_resolvedRoot.reset();
+}
+
+std::shared_ptr<const HTTPDocumentRoot> HTTPServer::resolvedDocumentRoot()
+{
+    QMutexLocker lock(&m_mutex);
+    // An invalid root is tried again on every request, so that a folder made
+    // after the server started is found.
+    if (!m_resolvedRoot || !m_resolvedRoot->isValid())
+        m_resolvedRoot = std::make_shared<const HTTPDocumentRoot>(m_documentRoot);
+    return m_resolvedRoot;
+}
+
+void HTTPServer::forgetDocumentRoot(const std::shared_ptr<const HTTPDocumentRoot> &root)
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_resolvedRoot == root)
+        m_resolvedRoot.reset();
+}
 
 quint16 HTTPServer::port() const
 {
@@ -94,6 +126,12 @@ bool HTTPServer::start(QString *error)
         auto queue = std::make_unique<HTTPQueue>(QStringLiteral("HTTP connections %1").arg(i + 1));
         QObject *context = queue->context();
         queue->sync([context, sweepMs] {
+            // Files are sent with sendfile, which cannot be told to spare us
+            // SIGPIPE when a client has gone; blocked here, it turns into EPIPE.
+            sigset_t pipe;
+            sigemptyset(&pipe);
+            sigaddset(&pipe, SIGPIPE);
+            pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
             auto *sweep = new QTimer(context);
             QObject::connect(sweep, &QTimer::timeout, context, [context] {
                 for (HTTPConnection *connection :
@@ -121,12 +159,7 @@ bool HTTPServer::start(QString *error)
             message = m_listener->errorString();
     });
     if (!listening) {
-        m_acceptQueue->stop();
-        m_acceptQueue.reset();
-        m_listener = nullptr;
-        for (auto &queue : m_queues)
-            queue->stop();
-        m_queues.clear();
+        stopQueues();
         if (error)
             *error = message;
         return false;
@@ -149,6 +182,13 @@ void HTTPServer::stop()
         if (m_publisher)
             m_publisher->unpublish();
     }
+    stopQueues();
+    m_running = false;
+    m_listeningPort = 0;
+}
+
+void HTTPServer::stopQueues()
+{
     // No new clients first, then the open connections, each on its own queue.
     m_acceptQueue->stop();
     m_acceptQueue.reset();
@@ -156,8 +196,6 @@ void HTTPServer::stop()
     for (auto &queue : m_queues)
         queue->stop();
     m_queues.clear();
-    m_running = false;
-    m_listeningPort = 0;
 }
 
 bool HTTPServer::isRunning() const

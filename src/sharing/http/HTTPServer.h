@@ -13,6 +13,7 @@
 #include <vector>
 
 class HTTPConnection;
+class HTTPDocumentRoot;
 class HTTPQueue;
 class HTTPServicePublisher;
 class QTcpServer;
@@ -76,7 +77,11 @@ public:
 
 private:
     friend class HTTPConnection;
+    void stopQueues();
     void dispatch(qintptr socketDescriptor);
+    // The document root held open; made again after the path changes.
+    std::shared_ptr<const HTTPDocumentRoot> resolvedDocumentRoot();
+    void forgetDocumentRoot(const std::shared_ptr<const HTTPDocumentRoot> &root);
     void addConnection(HTTPConnection *connection);
     void connectionDidDie(const void *connection);
 
@@ -90,6 +95,7 @@ private:
     Timeouts m_timeouts;
     HTTPServicePublisher *m_publisher = nullptr;
     QList<HTTPConnection *> m_connections;
+    std::shared_ptr<const HTTPDocumentRoot> m_resolvedRoot;
 
     std::atomic<bool> m_running{false};
     quint16 m_listeningPort = 0;
