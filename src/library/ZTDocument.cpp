@@ -358,7 +358,9 @@ QList<QPair<QString, QString>> ZTDocument::prunePairs() const
 
 void ZTDocument::prune()
 {
-    if (!m_context)
+    // Nothing can have lost its last user unless a name array changed or an
+    // item went: a save after ordinary edits skips the walk over every item.
+    if (!m_context || !m_context->takeSharedNamesChanged())
         return;
     const QList<ZTItem *> items = [this] {
         QList<ZTItem *> all;

@@ -43,9 +43,23 @@ void ZTList::addItem(const QString &itemOid)
 
 void ZTList::updateListData()
 {
-    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
+    // Encoding a long list at every change would make adding n items cost n²;
+    // the blob is written once, just before the row is.
+    m_itemDataStale = true;
+    touchPrimitiveValueForKey(s_toItemData);
     ZTNotificationCenter::defaultCenter().post(ZTListNotification::updated, this,
                                                {{QStringLiteral("oid"), m_oid}});
+}
+
+void ZTList::willSave() { itemData(); }
+
+QByteArray ZTList::itemData()
+{
+    if (m_itemDataStale) {
+        setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
+        m_itemDataStale = false;
+    }
+    return primitiveValueForKey(s_toItemData).toByteArray();
 }
 
 void ZTList::awakeFromInsert()

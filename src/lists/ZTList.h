@@ -32,12 +32,16 @@ public:
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;
+    void willSave() override;
+    // The stored form of itemOids, written afresh if they changed.
+    QByteArray itemData();
 
 protected:
     QStringList m_itemOids;
 
 private:
     QString m_oid;
+    bool m_itemDataStale = false;
 };
 
 namespace ZTListNotification {

@@ -128,6 +128,8 @@ QStringList ZTItem::decodeOidBlob(const QString &blobKey) const
 
 void ZTItem::storeOidArray(QStringList &member, const QStringList &oids, const QString &blobKey)
 {
+    if (ZTManagedObjectContext *context = managedObjectContext(); context && member != oids)
+        context->noteSharedNamesChanged();
     member = oids;
     setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(oids), blobKey);
 }

@@ -163,6 +163,13 @@ void ZTManagedObject::setValueForKey(const QVariant &value, const QString &key)
         setPrimitiveValue(slot, value);
 }
 
+void ZTManagedObject::touchPrimitiveValueForKey(const QString &key)
+{
+    const int slot = m_entity ? m_entity->attributeSlot(key) : -1;
+    if (slot >= 0)
+        markDirty(quint64(1) << slot);
+}
+
 void ZTManagedObject::markDirty(quint64 bits)
 {
     m_dirty |= bits;

@@ -60,9 +60,16 @@ public:
 
     virtual void awakeFromInsert();
     virtual void awakeFromFetch();
+    // Runs just before the row is written, for values kept in a cheaper form until then.
+    virtual void willSave() {}
+
 
     // The value as the attribute stores it (a number for an integer, UTC for a date …).
     static QVariant normalized(const ZTAttribute &attribute, const QVariant &value);
+
+protected:
+    // Marks a stored value as changed without setting it (it is set in willSave).
+    void touchPrimitiveValueForKey(const QString &key);
 
 private:
     friend class ZTManagedObjectContext;

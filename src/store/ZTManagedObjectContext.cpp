@@ -87,6 +87,7 @@ void ZTManagedObjectContext::deleteObject(ZTManagedObject *object)
     if (!object || object->m_deleted || object->m_context != this)
         return;
     object->m_deleted = true;
+    m_sharedNamesChanged = true;
     // Leave the in-memory inverse lists; the row stays alive (marked) until the
     // context goes, so pointers held elsewhere never dangle.
     const ZTEntity *e = object->entity();
@@ -214,6 +215,11 @@ bool ZTManagedObjectContext::save(QString *error)
             if (!name.isEmpty())
                 deletedFiles.insert(name);
         }
+    for (ZTManagedObject *object : std::as_const(m_inserted))
+        object->willSave();
+    for (ZTManagedObject *object : std::as_const(m_updated))
+        if (!object->isDeleted())
+            object->willSave();
     if (m_store) {
         if (!m_store->commit(*this, error))
             return false;

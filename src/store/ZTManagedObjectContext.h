@@ -73,6 +73,16 @@ public:
     QHash<QString, ZTManagedObject *> &nameIndex(const QString &entityName);
     static QString roleIndexKey(const QString &personName, const QString &role);
 
+    // Whether shared-name references may have been dropped since the last prune:
+    // an item's name array was replaced or an item was deleted.
+    void noteSharedNamesChanged() { m_sharedNamesChanged = true; }
+    bool takeSharedNamesChanged()
+    {
+        const bool changed = m_sharedNamesChanged;
+        m_sharedNamesChanged = false;
+        return changed;
+    }
+
     // Pictures.
     void insertImageWithFilename(const QString &filename, const QByteArray &data);
     void insertImageWithFilename(const QString &filename, const QString &originalFilename,
@@ -105,4 +115,5 @@ private:
     QSet<QString> m_imagesDeleted;
     QHash<QString, QHash<QString, ZTManagedObject *>> m_nameIndex;
     quint64 m_nextTemporary = 1;
+    bool m_sharedNamesChanged = true;
 };
