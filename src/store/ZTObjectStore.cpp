@@ -8,6 +8,8 @@
 #include <QSet>
 #include <QTimeZone>
 
+#include <cmath>
+
 #include <sqlite3.h>
 
 namespace {
@@ -92,8 +94,9 @@ QVariant columnValue(sqlite3_stmt *stmt, int col, ZTAttributeType type)
         return sqlite3_column_double(stmt, col);
     case ZTAttributeType::Date: {
         const double seconds = sqlite3_column_double(stmt, col);
-        return QDateTime::fromMSecsSinceEpoch(qint64((seconds + s_referenceEpoch) * 1000.0 + (seconds >= 0 ? 0.5 : -0.5)),
-                                              Qt::UTC);
+        // Rounded by the sign of the whole instant: a date before 2001 is still
+        // after 1970, and rounding it towards zero would lose a millisecond.
+        return QDateTime::fromMSecsSinceEpoch(std::llround((seconds + s_referenceEpoch) * 1000.0), Qt::UTC);
     }
     case ZTAttributeType::Blob: {
         const void *data = sqlite3_column_blob(stmt, col);
