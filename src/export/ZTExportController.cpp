@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <algorithm>
 
@@ -117,7 +118,8 @@ QString ZTExportController::cellText(const ZTItem &item, const Column &column, c
         const QString bitKey = column.key + QLatin1String("BitFlag");
         const ZTDateBit bit = item.hasKey(bitKey) ? ZTDateBit::fromVariant(item.valueForKey(bitKey))
                                                   : ZTDateBit(ZTDateBit::FullDate);
-        return m_dateFormatters.at(size_t(bit.value())).stringFromDate(value.toDateTime());
+        return m_dateFormatters.at(size_t(bit.value()))
+            .stringFromDate(value.toDateTime().toTimeZone(m_zone).date());
     }
     if (value.typeId() == QMetaType::Bool)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
@@ -129,7 +131,10 @@ QString ZTExportController::exportString()
     if (!document())
         return {};
     const ZTAttributeTables &tables = document()->attributeTables();
-    // The locale's date formats are learnt once per run, not once per cell.
+    // The locale's date formats and the time zone are learnt once per run, not
+    // once per cell: asking the C library for local time re-reads the zone
+    // file's status every time.
+    m_zone = QTimeZone::systemTimeZone();
     for (const ZTDateBit bit : {ZTDateBit::FullDate, ZTDateBit::YearMonth, ZTDateBit::Year})
         m_dateFormatters[size_t(bit.value())] = ZTDateUtil::standardDateFormatterForDateBit(bit);
     const QStringList keys = selectedKeys();

@@ -4,6 +4,7 @@
 
 #include "model/ZTPatternDateFormatter.h"
 
+#include <QTimeZone>
 #include <QVariant>
 
 #include <array>
@@ -64,4 +65,5 @@ private:
     LineBreak m_lineBreak = LineBreak::LF;
     QString m_multipleDelimiter;
     std::array<ZTPatternDateFormatter, 3> m_dateFormatters; // by ZTDateBit value
+    QTimeZone m_zone;
 };

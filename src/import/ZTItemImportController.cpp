@@ -5,6 +5,7 @@
 #include "import/ZTImportBatch.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
+#include "lists/ZTList.h"
 #include "lookup/ZTStringExtras.h"
 #include "model/ZTDateUtil.h"
 #include "model/ZTItem.h"
@@ -337,15 +338,27 @@ QDateTime ZTItemImportController::parseDate(const QString &text, int formatIndex
 QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString, QString> &row,
                                                             QHash<QString, ZTDateBit> *dateBits)
 {
+    // The attribute of each column is looked up once per row, not per value.
+    QList<const ZTTypedAttribute *> attributes;
+    attributes.reserve(m_keyDicts.size());
+    for (const ZTImportColumn &column : std::as_const(m_keyDicts))
+        attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
+    return displayDictionaryForRow(row, attributes, dateBits);
+}
+
+QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString, QString> &row,
+                                                            const QList<const ZTTypedAttribute *> &attributes,
+                                                            QHash<QString, ZTDateBit> *dateBits)
+{
     QVariantMap display;
-    for (ZTImportColumn &column : m_keyDicts) {
-        if (!column.state)
+    QHash<QString, const ZTTypedAttribute *> converted;
+    for (qsizetype i = 0; i < m_keyDicts.size(); ++i) {
+        ZTImportColumn &column = m_keyDicts[i];
+        const ZTTypedAttribute *attribute = attributes.at(i);
+        if (!column.state || !attribute)
             continue;
         const auto cell = row.constFind(column.fromColumn);
         if (cell == row.constEnd())
-            continue;
-        const ZTTypedAttribute *attribute = attributeForTitle(column.toColumn);
-        if (!attribute)
             continue;
         if (attribute->toMany) {
             QStringList values = display.value(column.toColumn).toStringList();
@@ -366,14 +379,14 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString,
             }
         } else {
             display.insert(column.toColumn, *cell);
+            if (attribute->type != QLatin1String("string"))
+                converted.insert(column.toColumn, attribute);
         }
     }
-    for (auto it = display.begin(); it != display.end(); ++it) {
-        const ZTTypedAttribute *attribute = attributeForTitle(it.key());
-        if (attribute && !attribute->toMany && attribute->type != QLatin1String("date") &&
-            attribute->type != QLatin1String("string"))
-            it.value() = convertedValue(attribute->type, it.value().toString());
-    }
+    // Converted once all columns are in: of two columns naming one attribute
+    // the later wins.
+    for (auto it = converted.constBegin(); it != converted.constEnd(); ++it)
+        display.insert(it.key(), convertedValue(it.value()->type, display.value(it.key()).toString()));
     return display;
 }
 
@@ -435,9 +448,16 @@ ZTItemImportController::SaveResult ZTItemImportController::save(int *added)
         return SaveResult::NoColumnsSelected;
 
     int count = 0;
+    // The main list takes every new item at its front; it is written out once.
+    ZTList *mainList = m_document->mainList();
+    if (mainList)
+        mainList->beginUpdates();
+    QList<const ZTTypedAttribute *> attributes;
+    for (const ZTImportColumn &column : std::as_const(m_keyDicts))
+        attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
     for (const QHash<QString, QString> &row : std::as_const(m_rows)) {
         QHash<QString, ZTDateBit> dateBits;
-        const QVariantMap display = displayDictionaryForRow(row, &dateBits);
+        const QVariantMap display = displayDictionaryForRow(row, attributes, &dateBits);
         if (display.isEmpty())
             continue;
         ZTItem *item = m_document->addItemFromDictionary(itemDictionary(display, dateBits));
@@ -446,6 +466,8 @@ ZTItemImportController::SaveResult ZTItemImportController::save(int *added)
         applyLending(item, display);
         ++count;
     }
+    if (mainList)
+        mainList->endUpdates();
     if (count > 0)
         ZTImportBatch::finish(*m_document);
     if (added)

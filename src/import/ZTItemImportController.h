@@ -94,6 +94,9 @@ public:
     static QDateTime parseDate(const QString &text, int formatIndex, ZTDateBit *bit);
 
 private:
+    QVariantMap displayDictionaryForRow(const QHash<QString, QString> &row,
+                                        const QList<const ZTTypedAttribute *> &attributes,
+                                        QHash<QString, ZTDateBit> *dateBits);
     void validateTable(const QList<QStringList> &lines);
     QVariantMap itemDictionary(const QVariantMap &display, const QHash<QString, ZTDateBit> &dateBits) const;
     void applyLending(ZTItem *item, const QVariantMap &display) const;

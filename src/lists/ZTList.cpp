@@ -43,9 +43,21 @@ void ZTList::addItem(const QString &itemOid)
 
 void ZTList::updateListData()
 {
+    if (m_batchDepth > 0) {
+        m_changedInBatch = true;
+        return;
+    }
     setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
     ZTNotificationCenter::defaultCenter().post(ZTListNotification::updated, this,
                                                {{QStringLiteral("oid"), m_oid}});
+}
+
+void ZTList::endUpdates()
+{
+    if (m_batchDepth == 0 || --m_batchDepth > 0 || !m_changedInBatch)
+        return;
+    m_changedInBatch = false;
+    updateListData();
 }
 
 void ZTList::awakeFromInsert()
