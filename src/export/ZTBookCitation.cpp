@@ -198,8 +198,9 @@ ZTStyledText ZTBookCitation::formatMLA(const ZTBook &book)
     const QString place = text(book, "placePublished");
     const QString publisher = text(book, "publisher");
     const QString year = yearText(book);
+    // "n.d." already ends the entry; a year is followed by the closing period.
     entry.append((place.isEmpty() ? QStringLiteral("n.p.") : place) + QLatin1String(": ") +
                  (publisher.isEmpty() ? QStringLiteral("n.p.") : publisher) + QLatin1String(", ") +
-                 (year.isEmpty() ? QStringLiteral("n.d.") : year) + QLatin1Char('.'));
+                 (year.isEmpty() ? QStringLiteral("n.d.") : year + QLatin1Char('.')));
     return entry;
 }
