@@ -9,6 +9,7 @@
 #include "support/ZTTestLibrary.h"
 #include "support/ZTTestSupport.h"
 
+#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -282,6 +283,46 @@ private Q_SLOTS:
         QCOMPARE(added, 0);
         QCOMPARE(document->allItems().size(), 0);
         QVERIFY(!document->isDocumentEdited());
+    }
+
+    void hostileTextNeverBreaksTheTable()
+    {
+        // Random mixes of the characters the reader treats specially: every
+        // row must only name titles of the first line, and saving must add
+        // exactly the rows that the table shows when the file is accepted.
+        QTemporaryDir dir;
+        auto document = ZTTestLibrary::create(dir, ZTMediaKind::Movie);
+        const QString alphabet = QStringLiteral("\"\",\t\n\r a\u2028Z");
+        quint32 seed = 12345;
+        int accepted = 0;
+        for (int round = 0; round < 400; ++round) {
+            QString text;
+            const int length = int(seed % 60);
+            for (int i = 0; i < length; ++i) {
+                seed = seed * 1103515245u + 12345u;
+                text += alphabet.at(int((seed >> 16) % quint32(alphabet.size())));
+            }
+            ZTItemImportController importer(document.get());
+            importer.setFileContents(text);
+            QSet<QString> titles;
+            for (const ZTImportColumn &column : importer.keyDicts())
+                titles.insert(column.fromColumn);
+            for (const auto &row : importer.rows())
+                for (auto it = row.constBegin(); it != row.constEnd(); ++it)
+                    QVERIFY2(titles.contains(it.key()), qPrintable(text.toUtf8().toPercentEncoding()));
+            const qsizetype before = document->allItems().size();
+            int added = 0;
+            const auto result = importer.save(&added);
+            if (!importer.fileProblem().isEmpty()) {
+                QCOMPARE(result, ZTItemImportController::SaveResult::FileProblem);
+                QCOMPARE(document->allItems().size(), before);
+            } else {
+                ++accepted;
+                QVERIFY(added <= importer.rows().size());
+                QCOMPARE(document->allItems().size(), before + added);
+            }
+        }
+        QVERIFY(accepted > 0);
     }
 
     void trailingEmptyCellsAreNoProblem()
