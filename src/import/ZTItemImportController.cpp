@@ -405,7 +405,7 @@ QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
     // A loan is made only for a row that says it is lent out. The name is read
     // from a "Lent To" title, which the importable titles do not offer ("Lent
     // To Name" is one), so imported loans come without a name.
-    if (display.value(tr("Lent Out")).toLongLong() != 0) {
+    if (display.value(ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))).toLongLong() != 0) {
         const QList<QPair<QString, const char *>> lending{{QStringLiteral("lentToName"), "Lent To"},
                                                           {QStringLiteral("lentToEmail"), "Lent To Email"},
                                                           {QStringLiteral("dateLent"), "Date Lent"},
@@ -421,7 +421,8 @@ QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
 
 void ZTItemImportController::applyLending(ZTItem *item, const QVariantMap &display) const
 {
-    if (display.value(tr("Lent Out")).toLongLong() == 0 || item->isLentOut())
+    if (display.value(ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))).toLongLong() == 0 ||
+        item->isLentOut())
         return;
     // Lent out with no detail at all: the loan still has to exist.
     ZTManagedObjectContext *context = item->managedObjectContext();
