@@ -43,6 +43,10 @@ void ZTList::addItem(const QString &itemOid)
 
 void ZTList::updateListData()
 {
+    if (m_batchDepth > 0) {
+        m_changedInBatch = true;
+        return;
+    }
     // Encoding a long list at every change would make adding n items cost n²;
     // the blob is written once, just before the row is.
     m_itemDataStale = true;
@@ -60,6 +64,14 @@ QByteArray ZTList::itemData()
         m_itemDataStale = false;
     }
     return primitiveValueForKey(s_toItemData).toByteArray();
+}
+
+void ZTList::endUpdates()
+{
+    if (m_batchDepth == 0 || --m_batchDepth > 0 || !m_changedInBatch)
+        return;
+    m_changedInBatch = false;
+    updateListData();
 }
 
 void ZTList::awakeFromInsert()

@@ -26,6 +26,10 @@ public:
     int count() const { return int(m_itemOids.size()); }
     bool containsOid(const QString &oid) const { return m_itemOids.contains(oid); }
     void updateListData();
+    // Many additions in a row (an import) encode the oid array and post
+    // "ZTListUpdated" once, when the outermost batch ends, not once per item.
+    void beginUpdates() { ++m_batchDepth; }
+    void endUpdates();
 
     virtual bool allowsItemDrop() const { return true; }
     virtual bool isSmartList() const { return false; }
@@ -42,6 +46,8 @@ protected:
 private:
     QString m_oid;
     bool m_itemDataStale = false;
+    int m_batchDepth = 0;
+    bool m_changedInBatch = false;
 };
 
 namespace ZTListNotification {

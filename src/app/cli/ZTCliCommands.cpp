@@ -13,6 +13,8 @@ int cover(const QStringList &args);
 int makeTemplate(const QStringList &args);
 int code(const QStringList &args);
 int scan(const QStringList &args);
+int importItems(const QStringList &args);
+int exportItems(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -36,6 +38,24 @@ const ZTCli::Command s_commands[] = {
      "      exit 1 with a message when TEXT holds no code",
      &ZTCliCommands::code},
     {"scan", "IMAGE... [--json]", "read the EAN-13 barcode in each picture", &ZTCliCommands::scan},
+    {"import", "PATH FILE [--map 'Column=Attribute']... [--split 'Column=;']... [--date 'Column=INDEX']...",
+     "add one item per line of a tab- or comma-delimited UTF-8 file; prints the column mapping.\n"
+     "      Without --map the mapping is guessed from the column titles; with --map only the\n"
+     "      mapped columns are imported (Attribute is a title such as Title, Authors, Date Read).\n"
+     "      --split gives the delimiter inside a multiple-value cell; --date the date format:\n"
+     "      0 MM/DD/YYYY, 1 DD/MM/YYYY, 2 YYYY/MM/DD, 3 YYYY/DD/MM, 4 MM-DD-YYYY,\n"
+     "      5 DD-MM-YYYY, 6 YYYY-MM-DD, 7 YYYY-DD-MM (default 0; a bare year or month and\n"
+     "      year also reads). A file that is not UTF-8, holds a NUL byte or has a broken\n"
+     "      header is refused and nothing is added",
+     &ZTCliCommands::importItems},
+    {"export", "PATH --format tab|csv|xml|bibtex|mla [--list NAME]... [--keys k1,k2,...]\n"
+     "      [--multiple separate|single] [--delimiter TEXT] OUT|-",
+     "write the library (or the items of the named lists) to OUT, or to standard output for -.\n"
+     "      tab and csv write the --keys columns (default all); several values go in numbered\n"
+     "      columns (separate) or in one column joined by --delimiter (single, default \"; \").\n"
+     "      bibtex and mla are for book libraries; mla writes RTF to a .rtf file, HTML to\n"
+     "      .html, plain text otherwise",
+     &ZTCliCommands::exportItems},
 };
 } // namespace
 
