@@ -24,8 +24,7 @@ private Q_SLOTS:
         ZTObservation observation(ZTListNotification::updated, list,
                                   [&](const ZTNotification &) { ++posts; });
         auto stored = [&] {
-            return ZTPropertyList::stringArray(
-                list->primitiveValueForKey(QStringLiteral("toItemData")).toByteArray());
+            return ZTPropertyList::stringArray(list->itemData());
         };
 
         list->beginUpdates();
