@@ -12,6 +12,7 @@ int remove(const QStringList &args);
 int cover(const QStringList &args);
 int code(const QStringList &args);
 int scan(const QStringList &args);
+int lookup(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -33,6 +34,10 @@ const ZTCli::Command s_commands[] = {
      "      exit 1 with a message when TEXT holds no code",
      &ZTCliCommands::code},
     {"scan", "IMAGE... [--json]", "read the EAN-13 barcode in each picture", &ZTCliCommands::scan},
+    {"lookup", "PATH CODE... [--add]",
+     "look codes up with the library's active sites and print each merged item as JSON;\n"
+     "      --add also adds the items (with their covers) to the library",
+     &ZTCliCommands::lookup},
 };
 } // namespace
 
