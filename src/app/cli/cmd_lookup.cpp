@@ -60,19 +60,23 @@ int lookup(const QStringList &arguments)
     QJsonArray printed;
     QStringList oids;
     for (const QVariantMap &item : items) {
-        printed.append(resultToJson(item));
-        if (!add || item.isEmpty())
+        QJsonObject json = resultToJson(item);
+        if (!add || item.isEmpty()) {
+            printed.append(json);
             continue;
+        }
         QVariantMap attributes = item;
         const QByteArray image = attributes.take(QStringLiteral("image")).toByteArray();
         ZTItem *created = document->addItemFromDictionary(attributes);
-        if (!created)
-            continue;
-        if (ZTItem::isValidImage(image))
-            created->replaceCover({}, image, attributes.value(QStringLiteral("imageUrl")).toString(), {},
-                                  false);
-        oids << created->oid();
-        document->updateOid(created->oid());
+        if (created) {
+            if (ZTItem::isValidImage(image))
+                created->replaceCover({}, image, attributes.value(QStringLiteral("imageUrl")).toString(), {},
+                                      false);
+            oids << created->oid();
+            document->updateOid(created->oid());
+            json.insert(QStringLiteral("oid"), created->oid());
+        }
+        printed.append(json);
     }
     ZTCli::printJson(printed);
     if (add && !oids.isEmpty()) {
