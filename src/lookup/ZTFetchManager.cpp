@@ -11,13 +11,8 @@ const QString DoneFetching = QStringLiteral("ZTFetchManagerDoneFetching");
 
 ZTFetchManager::ZTFetchManager(const QString &type, QObject *parent) : QObject(parent), m_type(type) {}
 
-ZTFetchManager::~ZTFetchManager()
-{
-    for (ZTFetcher *fetcher : std::as_const(m_fetchers)) {
-        if (fetcher->fetchManager() == this)
-            fetcher->setFetchManager(nullptr);
-    }
-}
+// Fetchers point at their manager weakly, so they forget it by themselves.
+ZTFetchManager::~ZTFetchManager() = default;
 
 void ZTFetchManager::addFetcher(ZTFetcher *fetcher)
 {

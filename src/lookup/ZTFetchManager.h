@@ -15,7 +15,8 @@ class ZTFetcher;
 // Walks a list of codes through one group of sites that share a type, in the
 // user's order: for each code the first site that does not bail ends the
 // search, and "ZTFetchManagerDoneFetching" reports what it found. Groups of
-// different types run side by side in managers of their own.
+// different types run side by side in managers of their own. The fetchers
+// belong to the document and must outlive the manager's run.
 class ZTFetchManager : public QObject {
 public:
     explicit ZTFetchManager(const QString &type, QObject *parent = nullptr);

@@ -137,6 +137,8 @@ private slots:
     void enormousPageEndsAsAFailure();
     void undecodableBytesGiveNoText();
     void rateLimitedSitePostsWaiting();
+    void cancelledTransferStillReachesProcessData();
+    void aFetcherDeletedDuringItsPauseSendsNothing();
     void thePauseTurnsTheEventLoopAndStampsTheDate();
     void realNetworkThroughTheSiteOverride();
 };
@@ -486,6 +488,40 @@ void TestFetcher::rateLimitedSitePostsWaiting()
     QCOMPARE(d.statuses, QStringList({"Waiting for Test Site..."}));
     QVERIFY(ZTFakeWeb::instance().requested.isEmpty());
     QVERIFY(d.results.isEmpty());
+}
+
+void TestFetcher::cancelledTransferStillReachesProcessData()
+{
+    ZTFakeWeb::instance().serveBytes("https://shop.test/a", "<h1>A</h1>");
+    PlanFetcher f;
+    f.plan = {{"main", QUrl("https://shop.test/a")}};
+    Delivery d(&f);
+    d.manager.fetchCodes(OneCode);
+    QVERIFY(f.isFetching());
+    d.manager.cancelFetch();
+    QVERIFY(!f.isFetching());
+    QVERIFY(QTest::qWaitFor([&] { return !d.results.isEmpty(); }, 5000));
+    QCOMPARE(f.received.size(), 1);
+    QVERIFY(!f.received.first().has_value());
+    QVERIFY(!d.results.first().contains("title"));
+}
+
+void TestFetcher::aFetcherDeletedDuringItsPauseSendsNothing()
+{
+    ZTFetcher::setPauseInterval(50);
+    ZTFakeWeb::instance().serveBytes("https://shop.test/a", "<h1>A</h1>");
+    auto *f = new PlanFetcher;
+    f->plan = {{"main", QUrl("https://shop.test/a")}};
+    ZTFetchManager manager("test");
+    manager.addFetcher(f);
+    int done = 0;
+    ZTObservation watch("ZTFetchManagerDoneFetching", &manager, [&](const ZTNotification &) { ++done; });
+    QTimer::singleShot(10, [f] { delete f; });
+    manager.fetchCodes(OneCode);
+    QTest::qWait(100);
+    QCOMPARE(done, 0);
+    QVERIFY(ZTFakeWeb::instance().requested.isEmpty());
+    ZTFetcher::setPauseInterval(5);
 }
 
 void TestFetcher::thePauseTurnsTheEventLoopAndStampsTheDate()
