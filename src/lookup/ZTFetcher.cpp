@@ -143,9 +143,7 @@ void ZTFetcher::fetchURLWithCurrentKey()
         cancelFetch();
         postStatus(searchingString());
         m_data.reset();
-        QPointer<ZTFetcher> self(this);
-        wait(pauseInterval() / 1000.0);
-        if (!self)
+        if (!wait(pauseInterval() / 1000.0))
             return;
         const QVariant description = m_fetchDict.value(m_currentFetchKey);
         if (description.typeId() == QMetaType::QUrl) {
@@ -196,12 +194,17 @@ void ZTFetcher::cancelFetch()
     }
 }
 
-void ZTFetcher::wait(double seconds)
+bool ZTFetcher::wait(double seconds)
 {
+    // Whoever owns the fetcher may delete it while the loop turns.
+    QPointer<ZTFetcher> self(this);
     QEventLoop loop;
     QTimer::singleShot(qMax(0, int(seconds * 1000.0)), &loop, &QEventLoop::quit);
     loop.exec();
+    if (!self)
+        return false;
     m_lastFetchDate = QDateTime::currentDateTime();
+    return true;
 }
 
 ZTFetchSession &ZTFetcher::session()

@@ -127,7 +127,8 @@ protected:
     void advanceFetchKey();
     void fetchGETURL(const QUrl &url);
     void fetchPOSTURL(const QUrl &url, const QString &body, const QVariantMap &headers);
-    void wait(double seconds);
+    // False when the fetcher was deleted meanwhile; then nothing of it may be touched.
+    bool wait(double seconds);
     bool isRequested(const QString &key) const { return m_requestedFetchKeys.contains(key); }
     void postStatus(const QString &status);
 
