@@ -17,37 +17,20 @@ QString cutLastBracket(const QString &title)
 
 QStringList ZTFetcherAlbumsAmazon::fetchableKeys() const
 {
-    return {"upc",
-            "asin",
-            "title",
-            "artists",
-            "label",
-            "numberOfMedia",
-            "tracks",
-            "price",
-            "datePublished",
-            "datePublishedBitFlag",
-            "format",
-            "productDescription",
-            "imageUrl",
-            "imageUrlSmall",
-            "imageUrlMedium",
-            "imageUrlLarge",
-            "image",
-            "imageSmall",
-            "imageMedium",
-            "imageLarge"};
-}
-
-QVariantMap ZTFetcherAlbumsAmazon::fetchKeyIdentifierDictionary() const
-{
-    return {{"asin", "originalAsin"}, {"upc", "originalUpc"}};
-}
-
-void ZTFetcherAlbumsAmazon::startFetchingWithDictionary(const QVariantMap &dictionary)
-{
-    ZTFetcher::startFetchingWithDictionary(dictionary);
-    startWithASINOrUPC();
+    return withImageKeys({
+        "upc",
+        "asin",
+        "title",
+        "artists",
+        "label",
+        "numberOfMedia",
+        "tracks",
+        "price",
+        "datePublished",
+        "datePublishedBitFlag",
+        "format",
+        "productDescription",
+    });
 }
 
 QString ZTFetcherAlbumsAmazon::processTitleForAlbumsWithResultDictionary(const QVariantMap &result,

@@ -8,8 +8,6 @@ public:
     using ZTFetcherAmazon::ZTFetcherAmazon;
     ZTMediaKind kind() const override { return ZTMediaKind::Album; }
     QStringList fetchableKeys() const override;
-    QVariantMap fetchKeyIdentifierDictionary() const override;
-    void startFetchingWithDictionary(const QVariantMap &dictionary) override;
     // The title without the format in its last parentheses or brackets; the
     // format, when the title held one, goes to format.
     static QString processTitleForAlbumsWithResultDictionary(const QVariantMap &result, QString *format);

@@ -92,8 +92,19 @@ void ZTFetcherAmazon::addStep(const QString &step, const QUrl &url)
     m_fetchDict.insert(step, url);
 }
 
-void ZTFetcherAmazon::startWithASINOrUPC()
+QStringList ZTFetcherAmazon::withImageKeys(QStringList keys)
 {
+    return keys + ZTFetchManager::imageKeys();
+}
+
+QVariantMap ZTFetcherAmazon::fetchKeyIdentifierDictionary() const
+{
+    return {{"asin", "originalAsin"}, {"upc", "originalUpc"}};
+}
+
+void ZTFetcherAmazon::startFetchingWithDictionary(const QVariantMap &dictionary)
+{
+    ZTFetcher::startFetchingWithDictionary(dictionary);
     const QString asin = noSpaces(m_dict.value(QStringLiteral("originalAsin")).toString());
     const QString upc = m_dict.value(QStringLiteral("originalUpc")).toString();
     if (!asin.isEmpty())

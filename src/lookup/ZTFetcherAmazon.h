@@ -24,6 +24,9 @@ public:
     // "US", "UK", … as the class name ends.
     virtual QString countrySuffix() const = 0;
     virtual QString domain() const;
+    // Albums and movies are searched by ASIN, else by UPC; books override both.
+    QVariantMap fetchKeyIdentifierDictionary() const override;
+    void startFetchingWithDictionary(const QVariantMap &dictionary) override;
 
     QVariantMap dictionaryForString(const QString &text, const QString &locale) const;
     static bool isValidSubtitle(const QString &text);
@@ -44,8 +47,8 @@ protected:
     const ZTAmazonTags::Country &country() const { return ZTAmazonTags::country(countrySuffix()); }
     QUrl productURL(const QString &code) const;
     QUrl urlOnDomain(const QString &pathAndQuery) const;
-    // Albums and movies: by ASIN when there is one, else through the UPC search.
-    void startWithASINOrUPC();
+    // The keys of a kind followed by the picture keys every shop page offers.
+    static QStringList withImageKeys(QStringList keys);
     void setupUPCSearch();
     void handleUPCSearch();
     void processImagesFromMainSourceString(const QString &text);

@@ -6,27 +6,9 @@ using namespace ZTText;
 
 QStringList ZTFetcherBooksAmazon::fetchableKeys() const
 {
-    return {"isbn",
-            "title",
-            "publisher",
-            "authors",
-            "price",
-            "datePublished",
-            "datePublishedBitFlag",
-            "format",
-            "imageUrl",
-            "imageUrlSmall",
-            "imageUrlMedium",
-            "imageUrlLarge",
-            "image",
-            "imageSmall",
-            "imageMedium",
-            "imageLarge",
-            "pages",
-            "productDescription",
-            "editionNumber",
-            "language",
-            "series"};
+    return withImageKeys({"isbn", "title", "publisher", "authors", "price", "datePublished",
+                          "datePublishedBitFlag", "format", "pages", "productDescription", "editionNumber",
+                          "language", "series"});
 }
 
 QVariantMap ZTFetcherBooksAmazon::fetchKeyIdentifierDictionary() const

@@ -36,43 +36,26 @@ QVariantMap role(const QString &name, const QString &character)
 
 QStringList ZTFetcherMoviesAmazon::fetchableKeys() const
 {
-    return {"upc",
-            "asin",
-            "title",
-            "studio",
-            "directors",
-            "actorRoles",
-            "audienceRating",
-            "aspectRatio",
-            "regionCode",
-            "duration",
-            "numberOfMedia",
-            "price",
-            "datePublished",
-            "datePublishedBitFlag",
-            "originalDatePublished",
-            "originalDatePublishedBitFlag",
-            "format",
-            "productDescription",
-            "imageUrl",
-            "imageUrlSmall",
-            "imageUrlMedium",
-            "imageUrlLarge",
-            "image",
-            "imageSmall",
-            "imageMedium",
-            "imageLarge"};
-}
-
-QVariantMap ZTFetcherMoviesAmazon::fetchKeyIdentifierDictionary() const
-{
-    return {{"asin", "originalAsin"}, {"upc", "originalUpc"}};
-}
-
-void ZTFetcherMoviesAmazon::startFetchingWithDictionary(const QVariantMap &dictionary)
-{
-    ZTFetcher::startFetchingWithDictionary(dictionary);
-    startWithASINOrUPC();
+    return withImageKeys({
+        "upc",
+        "asin",
+        "title",
+        "studio",
+        "directors",
+        "actorRoles",
+        "audienceRating",
+        "aspectRatio",
+        "regionCode",
+        "duration",
+        "numberOfMedia",
+        "price",
+        "datePublished",
+        "datePublishedBitFlag",
+        "originalDatePublished",
+        "originalDatePublishedBitFlag",
+        "format",
+        "productDescription",
+    });
 }
 
 QString ZTFetcherMoviesAmazon::processFormatForMoviesWithString(const QString &text)

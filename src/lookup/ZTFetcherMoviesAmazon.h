@@ -9,8 +9,6 @@ public:
     using ZTFetcherAmazon::ZTFetcherAmazon;
     ZTMediaKind kind() const override { return ZTMediaKind::Movie; }
     QStringList fetchableKeys() const override;
-    QVariantMap fetchKeyIdentifierDictionary() const override;
-    void startFetchingWithDictionary(const QVariantMap &dictionary) override;
     static QString processFormatForMoviesWithString(const QString &text);
 
 protected:
