@@ -80,6 +80,7 @@ private slots:
     void albumWithTracksOnAPageOfTheirOwn();
     void movieWithCastFromTheRedirectedSearch();
     void movieOnTheNewerPageWithSearchResults();
+    void countryQuirksOfTheMovieShops();
     void shopHostsAndPaths_data();
     void shopHostsAndPaths();
     void shopDates_data();
@@ -265,6 +266,34 @@ void TestAmazon::movieOnTheNewerPageWithSearchResults()
     QCOMPARE(r.value("duration").toInt(), 117);
     QCOMPARE(namesOf(r.value("actorRoles")).size(), 2);
     QVERIFY(!r.contains("originalDatePublished"));
+}
+
+void TestAmazon::countryQuirksOfTheMovieShops()
+{
+    ZTFakeWeb &web = ZTFakeWeb::instance();
+    web.serveBytes(
+        "https://www.amazon.de/gp/product/B00DE",
+        "<h1 id=\"title\"><span>Die fabelhafte Welt der Am\xc3\xa9lie [DVD]</span></h1>"
+        "<h2>Produktinformation</h2><ul><li><b>Darsteller:</b> Audrey Tautou</li>"
+        "<li><b>Produktionsjahr:</b> 2001</li><li><b>Erscheinungstermin:</b> 3. M\xc3\xa4rz 2003</li>"
+        "<li><b>FSK:</b> Freigegeben ab 6 Jahren</li></ul><h2>Mehr</h2>");
+    web.serveBytes(
+        "https://www.amazon.es/gp/product/B00ES",
+        "<h1 id=\"title\"><span>Am\xc3\xa9lie</span></h1> Clasificado: <b>Apta para todos</b><span>x</span>"
+        "<h2>Detalles del producto</h2><ul><li><b>Fecha de lanzamiento del DVD:</b> 9 sept 2002</li>"
+        "</ul><h2>M</h2>");
+    ZTFetcherMoviesAmazonDE german;
+    QVariantMap r = lookUp(german, {{"asin", "B00DE"}});
+    QCOMPARE(r.value("title").toString(), QString("Die fabelhafte Welt der Am\u00e9lie"));
+    QCOMPARE(dateOf(r, "originalDatePublished"), QDate(2001, 6, 15));
+    QCOMPARE(dateOf(r, "datePublished"), QDate(2003, 3, 3));
+    QCOMPARE(r.value("audienceRating").toString(), QString("Freigegeben ab 6 Jahren"));
+    QCOMPARE(namesOf(r.value("actorRoles")), QStringList({"Audrey Tautou="}));
+
+    ZTFetcherMoviesAmazonES spanish;
+    r = lookUp(spanish, {{"asin", "B00ES"}});
+    QCOMPARE(r.value("audienceRating").toString(), QString("Apta para todos"));
+    QCOMPARE(dateOf(r, "datePublished"), QDate(2002, 9, 9));
 }
 
 void TestAmazon::shopHostsAndPaths_data()
