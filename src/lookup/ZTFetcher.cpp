@@ -229,23 +229,12 @@ void ZTFetcher::fetchGETURL(const QUrl &url)
     m_task = session().startTask(urlRequestWithURL(url), this);
 }
 
-void ZTFetcher::fetchPOSTURL(const QUrl &url, const QString &body, const QVariantMap &headers)
+void ZTFetcher::fetchPOSTURL(const QUrl &url, const QString &, const QVariantMap &)
 {
-    cancelFetch();
-    QNetworkRequest request = urlRequestWithURL(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader,
-                      QStringLiteral("application/x-www-form-urlencoded"));
-    const QVariant referer = m_fetchDict.value(m_currentFetchKey + QStringLiteral("_Referer"));
-    if (referer.isValid())
-        request.setRawHeader("Referer", referer.toString().toUtf8());
-    for (auto it = headers.constBegin(); it != headers.constEnd(); ++it)
-        request.setRawHeader(it.key().toUtf8(), it.value().toString().toUtf8());
-    request.setAttribute(QNetworkRequest::CustomVerbAttribute, QByteArrayLiteral("POST"));
-    request.setAttribute(QNetworkRequest::User, body.toUtf8());
-    // The assembled request is dropped and a plain GET of the same URL goes
-    // out: the one site that posts has always been answered that way, and its
-    // reader is written against that answer.
-    m_task = session().startTask(urlRequestWithURL(url), this);
+    // The form body and headers never leave: what goes out is a plain GET of
+    // the same URL. The one site that posts has always been answered that
+    // way, and its reader is written against that answer.
+    fetchGETURL(url);
 }
 
 void ZTFetcher::taskDidReceiveResponse(ZTFetchTask *task)
