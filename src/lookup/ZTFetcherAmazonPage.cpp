@@ -221,13 +221,16 @@ void readLabelledValues(const QString &block, const QString &labelStart, const Q
         const qsizetype valueStart = label.end() + labelEnd.size();
         const ZTRange value = rangeBetweenString(block, QString(), valueEnd, ZTSearchOption::None,
                                                  ZTRange(valueStart, block.size() - valueStart));
+        // Without an end behind this label no later label has a value either.
+        if (!value.isFound())
+            break;
         const QString labelText = label.of(block);
         if (first) {
             result.insert(QStringLiteral("_firstKey"), stringByTrimmingWhitespace(decodeHTML(labelText)));
             first = false;
         }
         const QString key = withoutColon(flattenHTML(labelText));
-        if (!key.isEmpty() && value.isFound())
+        if (!key.isEmpty())
             result.insert(key, flat(value.of(block)));
         search = ZTRange(valueStart, block.size() - valueStart);
     }

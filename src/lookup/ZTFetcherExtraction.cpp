@@ -88,28 +88,32 @@ void ZTFetcher::updateMultipleStringForKey(const QString &key, const QString &te
 {
     if (!isRequested(key))
         return;
-    QString rest = text;
     QStringList values;
+    // Walks by offset rather than cutting copies, so that a page with many
+    // matches costs one pass.
+    qsizetype offset = 0;
     for (;;) {
-        const ZTRange range = rangeBetweenString(rest, startTag, endTag);
+        const ZTRange range = rangeBetweenString(text, startTag, endTag, ZTSearchOption::None,
+                                                 ZTRange(offset, text.size() - offset));
         if (!range.isFound())
             break;
-        QString value = stringByTrimmingWhitespace(range.of(rest));
+        QString value = stringByTrimmingWhitespace(range.of(text));
         if (flatten == ZTFlatten::Yes)
             value = flattenHTML(value);
         if (containsNonWhitespace(value))
             values << value;
-        // Cut behind the first start tag, then behind the first end tag in
-        // what remains; a null or absent tag cuts nothing.
-        const qsizetype before = rest.size();
-        const qsizetype start = startTag.isEmpty() ? -1 : rest.indexOf(startTag);
+        // Go on behind the first start tag, then behind the first end tag in
+        // what remains; a null or absent tag moves nothing.
+        qsizetype next = offset;
+        const qsizetype start = startTag.isEmpty() ? -1 : text.indexOf(startTag, next);
         if (start >= 0)
-            rest = rest.mid(start + startTag.size());
-        const qsizetype end = endTag.isEmpty() ? -1 : rest.indexOf(endTag);
+            next = start + startTag.size();
+        const qsizetype end = endTag.isEmpty() ? -1 : text.indexOf(endTag, next);
         if (end >= 0)
-            rest = rest.mid(end + endTag.size());
-        if (rest.size() >= before)
+            next = end + endTag.size();
+        if (next <= offset)
             break;
+        offset = next;
     }
     if (!values.isEmpty())
         m_dict.insert(key, values);

@@ -440,6 +440,14 @@ void TestAmazon::truncatedPagesNeverCrash()
     const QVariantMap whole =
         reader.dictionaryForString(QString(200000, '<') + "<h1 id=\"title\">x</h1>", "GB");
     QCOMPARE(whole.value("title").toString(), QString("x"));
+
+    // Pages built to make the readers search again and again read in one pass.
+    const QString labels =
+        "<h1 id=\"title\">y</h1><h2>Product Details</h2>" + QString("<li><b>x:</b> 1").repeated(200000);
+    QCOMPARE(reader.dictionaryForString(labels, "US").value("title").toString(), QString("y"));
+    const QString cells =
+        "<h2>Product Details</h2><ul>" + QString("<li><b>Label:</b> x</li>").repeated(50000) + "</ul>";
+    QCOMPARE(reader.dictionaryForString(cells, "US").value("label").toString(), QString("x"));
 }
 
 QTEST_GUILESS_MAIN(TestAmazon)

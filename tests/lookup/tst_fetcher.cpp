@@ -178,6 +178,9 @@ void TestFetcher::multipleStrings()
     QCOMPARE(f.dict().value("authors").toStringList(), QStringList({"A1", "B & C"}));
     f.updateMultipleStringForKey("authors", page, "<li>", "</li>", ZTFlatten::No);
     QCOMPARE(f.dict().value("authors").toStringList(), QStringList({"A<b>1</b>", "B &amp; C", "outside"}));
+    const QString many = QString("<li>a</li>").repeated(200000);
+    f.updateMultipleStringForKey("authors", many, "<li>", "</li>", ZTFlatten::No);
+    QCOMPARE(f.dict().value("authors").toStringList().size(), 200000);
     // Null tags must not loop for ever.
     f.updateMultipleStringForKey("authors", page, QString(), QString(), ZTFlatten::No);
     QVERIFY(f.dict().contains("authors"));
