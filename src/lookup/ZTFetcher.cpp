@@ -7,9 +7,11 @@
 #include "lookup/ZTStringExtras.h"
 #include "model/ZTItem.h"
 #include "scan/ZTCodeFormatter.h"
+#include "store/ZTPropertyList.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
+#include <QFile>
 #include <QTimer>
 
 namespace {
@@ -287,6 +289,17 @@ void ZTFetcher::taskDidComplete(ZTFetchTask *task, bool failed)
 bool ZTFetcher::isValidImage(const QByteArray &data)
 {
     return !data.isNull() && ZTItem::isValidImage(data);
+}
+
+const QVariantMap &ZTFetcher::languageDictionary()
+{
+    static const QVariantMap s_languages = [] {
+        QFile file(QStringLiteral(":/LS.plist"));
+        if (!file.open(QIODevice::ReadOnly))
+            return QVariantMap();
+        return ZTPropertyList::deserialize(file.readAll()).toMap();
+    }();
+    return s_languages;
 }
 
 QString ZTFetcher::stringFromWebData(const std::optional<QByteArray> &data)

@@ -62,6 +62,8 @@ public:
 
     // --- Shared helpers -----------------------------------------------------
     static bool isValidImage(const QByteArray &data);
+    // Three-letter MARC language code to the language's name, read once.
+    static const QVariantMap &languageDictionary();
     // UTF-8, else ASCII; null when both fail or there are no bytes.
     static QString stringFromWebData(const std::optional<QByteArray> &data);
     QString processedISBN() const;

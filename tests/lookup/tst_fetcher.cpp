@@ -125,6 +125,7 @@ private slots:
     void imageKeysFoldIntoTheRequestedKey();
     void imageValidity_data();
     void imageValidity();
+    void languageCodesHaveNames();
     void processedISBN_data();
     void processedISBN();
 
@@ -348,6 +349,18 @@ void TestFetcher::imageValidity()
     QFETCH(QByteArray, bytes);
     QFETCH(bool, valid);
     QCOMPARE(ZTFetcher::isValidImage(bytes), valid);
+}
+
+void TestFetcher::languageCodesHaveNames()
+{
+    const QVariantMap &languages = ZTFetcher::languageDictionary();
+    QVERIFY(languages.size() > 400);
+    QCOMPARE(languages.value("eng").toString(), QString("English"));
+    QCOMPARE(languages.value("ger").toString(), QString("German"));
+    QCOMPARE(languages.value("fre").toString(), QString("French"));
+    QCOMPARE(languages.value("jpn").toString(), QString("Japanese"));
+    QCOMPARE(languages.value("nob").toString(), QString("Norwegian (Bokm\u00e5l)"));
+    QVERIFY(!languages.contains("xx"));
 }
 
 void TestFetcher::processedISBN_data()
