@@ -79,6 +79,27 @@ bool ZTFetcher::canFetch()
     return true;
 }
 
+bool ZTFetcher::canFetchWithMinimumSpacing(double seconds)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    const qint64 spacing = qint64(seconds * 1000.0);
+    if (m_lastFetchDate.isValid()) {
+        const qint64 elapsed = m_lastFetchDate.msecsTo(now);
+        if (elapsed >= 0 && elapsed < spacing) {
+            m_fetchTimer = std::make_unique<QTimer>();
+            m_fetchTimer->setSingleShot(true);
+            connect(m_fetchTimer.get(), &QTimer::timeout, this, [this] { fetchURLWithCurrentKey(); });
+            m_fetchTimer->start(int(spacing - elapsed));
+            return false;
+        }
+    }
+    // Dropped later: the timer may be the caller.
+    if (m_fetchTimer)
+        m_fetchTimer.release()->deleteLater();
+    m_lastFetchDate = now;
+    return true;
+}
+
 QUrl ZTFetcher::urlForRedirectedURL(const QUrl &url) const
 {
     return url;

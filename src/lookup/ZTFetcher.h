@@ -26,6 +26,8 @@ enum class ZTYearEnd { FromStart, FromEnd };
 // Everything runs on the thread that owns the fetcher. Before every request
 // the fetcher pauses (one second by default) with the event loop turning, so
 // other fetchers and the interface go on meanwhile.
+class QTimer;
+
 class ZTFetcher : public QObject, protected ZTFetchTaskDelegate {
 public:
     explicit ZTFetcher(QObject *parent = nullptr);
@@ -120,6 +122,10 @@ protected:
     virtual void processData();
     // Rate-limited sites answer false and schedule fetchURLWithCurrentKey themselves.
     virtual bool canFetch();
+    // canFetch for a site that allows one request per interval: answers false
+    // and calls fetchURLWithCurrentKey again once the interval since
+    // lastFetchDate has passed.
+    bool canFetchWithMinimumSpacing(double seconds);
     virtual QNetworkRequest urlRequestWithURL(const QUrl &url) const;
     // Where a redirect to url should lead instead; the URL itself by default,
     // and an invalid URL means the same.
@@ -158,5 +164,6 @@ private:
     ZTFetchSession &session();
 
     std::unique_ptr<ZTFetchSession> m_urlSession;
+    std::unique_ptr<QTimer> m_fetchTimer;
     QPointer<ZTFetchTask> m_task;
 };

@@ -21,6 +21,7 @@ public:
     QList<QPair<QString, QVariant>> plan;
     QList<std::optional<QByteArray>> received;
     bool allowFetch = true;
+    double spacing = 0;
     QStringList keys = {"title", "pages",      "price",      "datePublished", "datePublishedBitFlag",
                         "image", "imageLarge", "imageSmall", "imageUrl",      "imageUrlSmall"};
 
@@ -47,7 +48,7 @@ public:
     using ZTFetcher::cancelFetch;
 
 protected:
-    bool canFetch() override { return allowFetch; }
+    bool canFetch() override { return spacing > 0 ? canFetchWithMinimumSpacing(spacing) : allowFetch; }
     void processData() override
     {
         received << data();
@@ -138,6 +139,7 @@ private slots:
     void enormousPageEndsAsAFailure();
     void undecodableBytesGiveNoText();
     void rateLimitedSitePostsWaiting();
+    void rateLimitedSiteWaitsForItsSpacing();
     void cancelledTransferStillReachesProcessData();
     void aFetcherDeletedDuringItsPauseSendsNothing();
     void thePauseTurnsTheEventLoopAndStampsTheDate();
@@ -504,6 +506,23 @@ void TestFetcher::rateLimitedSitePostsWaiting()
     QCOMPARE(d.statuses, QStringList({"Waiting for Test Site..."}));
     QVERIFY(ZTFakeWeb::instance().requested.isEmpty());
     QVERIFY(d.results.isEmpty());
+}
+
+void TestFetcher::rateLimitedSiteWaitsForItsSpacing()
+{
+    ZTFakeWeb::instance().serveBytes("https://library.test/1", "<h1>One</h1>");
+    ZTFakeWeb::instance().serveBytes("https://library.test/2", "<h1>Two</h1>");
+    PlanFetcher f;
+    f.spacing = 0.3;
+    f.plan = {{"firstPage", QUrl("https://library.test/1")}, {"marcPage", QUrl("https://library.test/2")}};
+    Delivery d(&f);
+    QElapsedTimer clock;
+    clock.start();
+    QVERIFY(d.run(OneCode));
+    QVERIFY(clock.elapsed() >= 250);
+    QCOMPARE(d.statuses, QStringList({"Searching Test Site\u2026", "Waiting for Test Site...",
+                                      "Searching Test Site\u2026", "Test Site search complete."}));
+    QCOMPARE(d.results.first().value("title").toString(), QString("Two"));
 }
 
 void TestFetcher::cancelledTransferStillReachesProcessData()
