@@ -89,7 +89,9 @@ bool ZTFetcher::canFetchWithMinimumSpacing(double seconds)
             m_fetchTimer = std::make_unique<QTimer>();
             m_fetchTimer->setSingleShot(true);
             connect(m_fetchTimer.get(), &QTimer::timeout, this, [this] { fetchURLWithCurrentKey(); });
-            m_fetchTimer->start(int(spacing - elapsed));
+            // Precise and a millisecond late, so the retry never finds itself early.
+            m_fetchTimer->setTimerType(Qt::PreciseTimer);
+            m_fetchTimer->start(int(spacing - elapsed) + 1);
             return false;
         }
     }
