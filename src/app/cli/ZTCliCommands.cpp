@@ -15,6 +15,7 @@ int code(const QStringList &args);
 int scan(const QStringList &args);
 int importItems(const QStringList &args);
 int exportItems(const QStringList &args);
+int lookup(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -56,6 +57,10 @@ const ZTCli::Command s_commands[] = {
      "      bibtex and mla are for book libraries; mla writes RTF to a .rtf file, HTML to\n"
      "      .html, plain text otherwise",
      &ZTCliCommands::exportItems},
+    {"lookup", "PATH CODE... [--add]",
+     "look codes up with the library's active sites and print each merged item as JSON;\n"
+     "      --add also adds the items (with their covers) to the library",
+     &ZTCliCommands::lookup},
 };
 } // namespace
 
