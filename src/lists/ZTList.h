@@ -2,7 +2,9 @@
 
 #include "store/ZTManagedObject.h"
 
+#include <QSet>
 #include <QStringList>
+#include <QVariantMap>
 
 class ZTDocument;
 
@@ -22,24 +24,55 @@ public:
 
     const QStringList &itemOids() const { return m_itemOids; }
     void setItemOids(const QStringList &oids); // then updateListData
-    void addItem(const QString &itemOid);       // at the front; callers test for duplicates
+    void addItem(const QString &itemOid);      // at the front; callers test for duplicates
     int count() const { return int(m_itemOids.size()); }
-    bool containsOid(const QString &oid) const { return m_itemOids.contains(oid); }
+    bool containsOid(const QString &oid) const;
+    // Rewrites the stored oids and tells observers ("ZTListUpdated").
     void updateListData();
+
+    // Edits of the oid array that leave updateListData to the caller, so that a
+    // batch of changes is written once.
+    void insertOid(int index, const QString &oid);
+    void appendOid(const QString &oid) { insertOid(int(m_itemOids.size()), oid); }
+    bool removeOid(const QString &oid);
+    void removeOidAt(int index);
 
     virtual bool allowsItemDrop() const { return true; }
     virtual bool isSmartList() const { return false; }
+    // The list's tool tip: how many items it holds.
+    virtual QString descriptorForDocument(const ZTDocument &document) const;
+
+    // What the filter browser shows for this list: per cacheable attribute the
+    // sorted values, and under "[[[COUNT]]]" and "[[[OID]]]" the count (as a
+    // decimal string) and the oids of every value. `addressBookNames` seeds the
+    // "personName" completion list.
+    QVariantMap filterDictionaryFromDocument(const ZTDocument &document,
+                                             const QStringList &addressBookNames = {}) const;
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;
 
 protected:
+    void itemOidsReplaced() { m_oidSetValid = false; }
     QStringList m_itemOids;
 
 private:
     QString m_oid;
+    // Membership is asked for far more often than the array changes (every
+    // edited item against every smart list), so a set shadows the array.
+    mutable QSet<QString> m_oidSet;
+    mutable bool m_oidSetValid = false;
 };
 
 namespace ZTListNotification {
 inline const QString updated = QStringLiteral("ZTListUpdated");
 }
+
+namespace ZTFilterDictionaryKey {
+// Blank values are counted under this tag; it never appears among the values.
+inline const QString emptyTag = QStringLiteral("[[ZETTARY EMPTY TAG]]");
+inline const QString counts = QStringLiteral("[[[COUNT]]]");
+inline const QString oids = QStringLiteral("[[[OID]]]");
+inline const QString personName = QStringLiteral("personName");
+inline const QString allLanguages = QStringLiteral("allLanguages");
+} // namespace ZTFilterDictionaryKey

@@ -12,6 +12,10 @@ int remove(const QStringList &args);
 int cover(const QStringList &args);
 int code(const QStringList &args);
 int scan(const QStringList &args);
+int lists(const QStringList &args);
+int listAdd(const QStringList &args);
+int smartAdd(const QStringList &args);
+int listShow(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -33,6 +37,14 @@ const ZTCli::Command s_commands[] = {
      "      exit 1 with a message when TEXT holds no code",
      &ZTCliCommands::code},
     {"scan", "IMAGE... [--json]", "read the EAN-13 barcode in each picture", &ZTCliCommands::scan},
+    {"lists", "PATH [--json]", "print each list's row, kind (library, list, smart), item count and name",
+     &ZTCliCommands::lists},
+    {"list-add", "PATH NAME [OID...]", "make a list holding the items in the order given", &ZTCliCommands::listAdd},
+    {"smart-add", "PATH NAME --all|--any --rule 'TITLE|OPERATOR|VALUE'...",
+     "make a smart list; VALUE is FROM..TO for a range, '5 days' for a period, dates\n"
+     "      MM-dd-yyyy or yyyy-MM-dd, none for yes/no rules ('Signed|is set')",
+     &ZTCliCommands::smartAdd},
+    {"list-show", "PATH NAME [--json]", "print a list's description and its member oids", &ZTCliCommands::listShow},
 };
 } // namespace
 
