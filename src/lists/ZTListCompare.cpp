@@ -37,14 +37,15 @@ QStringList ZTListCompare::sortedCaseInsensitive(QStringList values)
 {
     if (values.size() < 2)
         return values;
-    // Sort keys once per value rather than collating at every comparison.
+    // Sort keys once per value rather than collating at every comparison. The
+    // keys of the C locale keep case, so the values are case-folded first.
     QList<std::pair<QCollatorSortKey, int>> keyed;
     keyed.reserve(values.size());
     for (int i = 0; i < values.size(); ++i)
-        keyed.append({collator().sortKey(values[i]), i});
+        keyed.append({collator().sortKey(values[i].toCaseFolded()), i});
     std::stable_sort(keyed.begin(), keyed.end(), [&](const auto &x, const auto &y) {
         const int order = x.first.compare(y.first);
-        return order != 0 ? order < 0 : values[x.second].compare(values[y.second], Qt::CaseInsensitive) < 0;
+        return order != 0 ? order < 0 : values[x.second] < values[y.second];
     });
     QStringList sorted;
     sorted.reserve(values.size());

@@ -57,6 +57,21 @@ bool isBlank(const QString &text)
     return text.isNull() || !ZTText::containsNonWhitespace(text);
 }
 
+// The yes/no readers of an item by their cache names. The item answers them as
+// member functions; valueForKey is asked first so that a kind may add its own.
+bool booleanValue(const ZTItem &item, const QString &key)
+{
+    const QVariant value = item.valueForKey(key);
+    if (value.isValid())
+        return value.toBool();
+    static const QHash<QString, bool (ZTItem::*)() const> readers{
+        {QStringLiteral("isLentOut"), &ZTItem::isLentOut}, {QStringLiteral("isLocked"), &ZTItem::isLocked},
+        {QStringLiteral("isOverdue"), &ZTItem::isOverdue}, {QStringLiteral("isOwned"), &ZTItem::isOwned},
+        {QStringLiteral("isUsed"), &ZTItem::isUsed},       {QStringLiteral("isSigned"), &ZTItem::isSigned}};
+    const auto reader = readers.value(key);
+    return reader && (item.*reader)();
+}
+
 QString yesText()
 {
     return QCoreApplication::translate("Localizable", "Yes");
@@ -141,7 +156,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                 numberColumns[k]->count(text, oid);
         }
         for (int k = 0; k < keys.boolean.size(); ++k)
-            booleanColumns[k]->count(item->valueForKey(keys.boolean[k]).toBool() ? yes : no, oid);
+            booleanColumns[k]->count(booleanValue(*item, keys.boolean[k]) ? yes : no, oid);
         const QString borrower = item->valueForKey(lentToName).toString();
         if (!isBlank(borrower))
             people.insert(borrower);
