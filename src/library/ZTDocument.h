@@ -117,6 +117,8 @@ public:
     QString mediaDragType() const;
     // Every item row of the kind, in the store's table order.
     QList<ZTItem *> itemsOfKind() const;
+    // Writes the oids of every list whose bytes are still pending; saving runs it.
+    void writeListData();
     // Re-evaluates the smart lists whose day-bound rules have expired.
     void updateExpiredSmartLists();
 

@@ -104,6 +104,14 @@ ZTItem *ZTDocument::addItemCopy(const ZTItem &source, ZTList *targetList)
     return item;
 }
 
+void ZTDocument::writeListData()
+{
+    if (m_mainList)
+        m_mainList->writeListData();
+    for (ZTList *list : std::as_const(m_itemLists))
+        list->writeListData();
+}
+
 QString ZTDocument::itemDescriptionStringForCount(int count) const
 {
     static const char *const singular[] = {"1 book", "1 album", "1 movie", "1 comic"};

@@ -98,9 +98,21 @@ void ZTList::removeOidAt(int index)
 
 void ZTList::updateListData()
 {
-    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
+    // Below this many oids the bytes are cheap enough to write at every change.
+    constexpr qsizetype eagerLimit = 100;
+    m_listDataStale = true;
+    if (m_itemOids.size() <= eagerLimit)
+        writeListData();
     ZTNotificationCenter::defaultCenter().post(ZTListNotification::updated, this,
                                                {{QStringLiteral("oid"), m_oid}});
+}
+
+void ZTList::writeListData()
+{
+    if (!m_listDataStale)
+        return;
+    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(m_itemOids), s_toItemData);
+    m_listDataStale = false;
 }
 
 QString ZTList::descriptorForDocument(const ZTDocument &document) const
@@ -122,4 +134,5 @@ void ZTList::awakeFromFetch()
     // Bytes that do not read leave the list empty.
     m_itemOids = data.isEmpty() ? QStringList() : ZTPropertyList::stringArray(data);
     m_oidSetValid = false;
+    m_listDataStale = false;
 }

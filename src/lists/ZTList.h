@@ -27,8 +27,12 @@ public:
     void addItem(const QString &itemOid);      // at the front; callers test for duplicates
     int count() const { return int(m_itemOids.size()); }
     bool containsOid(const QString &oid) const;
-    // Rewrites the stored oids and tells observers ("ZTListUpdated").
+    // Rewrites the stored oids and tells observers ("ZTListUpdated"). A long
+    // list's bytes are written by writeListData, which the document runs
+    // before every save, so that adding items one by one stays linear.
     void updateListData();
+    void writeListData();
+    bool hasUnwrittenListData() const { return m_listDataStale; }
 
     // Edits of the oid array that leave updateListData to the caller, so that a
     // batch of changes is written once.
@@ -62,6 +66,7 @@ private:
     // edited item against every smart list), so a set shadows the array.
     mutable QSet<QString> m_oidSet;
     mutable bool m_oidSetValid = false;
+    bool m_listDataStale = false;
 };
 
 namespace ZTListNotification {

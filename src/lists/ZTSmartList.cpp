@@ -97,9 +97,11 @@ bool ZTSmartList::itemBelongsOnListUsingOrQualifier(const ZTItem &item) const
 void ZTSmartList::handleItems(const QList<ZTItem *> &items)
 {
     m_itemOids.clear();
+    m_evaluationTime = ZTListClock::now();
     for (const ZTItem *item : items)
         if (item && itemBelongsOnList(*item))
             m_itemOids << item->oid();
+    m_evaluationTime = QDateTime();
     itemOidsReplaced();
     updateListData();
 }

@@ -100,4 +100,6 @@ private:
 
     QVariantList m_qualifiers;
     bool m_hasQualifiers = false;
+    // "Now" for the rules during one rebuild, so every item is judged at the same moment.
+    QDateTime m_evaluationTime;
 };

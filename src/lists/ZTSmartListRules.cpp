@@ -36,9 +36,55 @@ int skipDigits(const QString &text, int i)
     return i;
 }
 
+qint64 floorDivide(qint64 a, qint64 b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0))); }
+
+// The local calendar day of an instant. Asking the time zone for every item of
+// a large library is slow, so the offset is remembered per quarter hour of UTC:
+// zones change their offset only on quarter hours.
 QDate localDate(const QDateTime &date)
 {
-    return date.isValid() ? date.toLocalTime().date() : QDate();
+    if (!date.isValid())
+        return {};
+    if (date.timeSpec() == Qt::LocalTime)
+        return date.date();
+    constexpr qint64 bucketSeconds = 900;
+    thread_local QHash<qint64, int> offsets;
+    const qint64 seconds = date.toSecsSinceEpoch();
+    const qint64 bucket = floorDivide(seconds, bucketSeconds);
+    auto it = offsets.constFind(bucket);
+    int offset;
+    if (it != offsets.constEnd()) {
+        offset = *it;
+    } else {
+        offset = QDateTime::fromSecsSinceEpoch(bucket * bucketSeconds, Qt::LocalTime).offsetFromUtc();
+        if (offsets.size() > 100000)
+            offsets.clear();
+        offsets.insert(bucket, offset);
+    }
+    return QDate(1970, 1, 1).addDays(floorDivide(seconds + offset, 86400));
+}
+
+// A right-hand date, "MM-dd-yyyy" read as the shared formatter reads it: the
+// first three runs of digits are month, day and year, whatever stands between.
+QDate rhsDate(const QString &text)
+{
+    int numbers[3] = {0, 0, 0};
+    int found = 0;
+    int i = 0;
+    const int size = int(text.size());
+    while (found < 3 && i < size) {
+        if (!text.at(i).isDigit()) {
+            ++i;
+            continue;
+        }
+        qint64 number = 0;
+        for (; i < size && text.at(i).isDigit(); ++i)
+            number = qMin<qint64>(number * 10 + text.at(i).digitValue(), 1000000);
+        numbers[found++] = int(number);
+    }
+    if (found < 3)
+        return {};
+    return QDate(numbers[2], numbers[0], numbers[1]);
 }
 
 // The comparison at a precision: by year alone (2), year and month (1) or the day (0).
@@ -118,7 +164,8 @@ const ZTPatternDateFormatter &ZTSmartList::dateFormatter()
 
 QDateTime ZTSmartList::dateFromRhsString(const QString &text)
 {
-    return text.isEmpty() ? QDateTime() : dateFormatter().dateFromString(text);
+    const QDate date = rhsDate(text);
+    return date.isValid() ? QDateTime(date, QTime(0, 0)) : QDateTime();
 }
 
 QString ZTSmartList::rhsStringFromDate(const QDateTime &date)
@@ -167,7 +214,7 @@ double ZTSmartList::doubleValue(const QString &text)
             i = exponentEnd;
     }
     bool ok = false;
-    const double value = text.mid(start, i - start).toDouble(&ok);
+    const double value = QStringView(text).mid(start, i - start).toDouble(&ok);
     return ok ? value : 0.0;
 }
 
@@ -250,15 +297,18 @@ ZTSmartList::Verdict ZTSmartList::evaluateQualifier(const ZTItem &item, const QV
         const bool range = op == Op::isInTheRange;
         const double from = read(rhs.value(range ? Key::fromValue : Key::value));
         const double to = read(rhs.value(Key::toValue));
-        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany)) {
+        auto judge = [&](const QVariant &value) {
             // A missing number is 0: an item without a price costs less than 5.
             const double number = value.isNull() ? 0.0 : value.toDouble();
-            const bool pass = range ? evaluateLhsNumber(number, Op::isGreaterThanOrEqualTo, from) &&
-                                          evaluateLhsNumber(number, Op::isLessThanOrEqualTo, to)
-                                    : evaluateLhsNumber(number, op, from);
-            if (pass)
+            return range ? evaluateLhsNumber(number, Op::isGreaterThanOrEqualTo, from) &&
+                               evaluateLhsNumber(number, Op::isLessThanOrEqualTo, to)
+                         : evaluateLhsNumber(number, op, from);
+        };
+        if (!toMany)
+            return verdict(judge(item.valueForKey(key)));
+        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany))
+            if (judge(value))
                 return Verdict::Pass;
-        }
         return Verdict::Fail;
     }
 
@@ -271,44 +321,41 @@ ZTSmartList::Verdict ZTSmartList::evaluateQualifier(const ZTItem &item, const QV
         bool span = false;
         bool inside = true;
         if (op == Op::isInTheRange) {
-            low = dateFromRhsString(rhs.value(Key::fromValue).toString()).date();
-            high = dateFromRhsString(rhs.value(Key::toValue).toString()).date();
+            low = rhsDate(rhs.value(Key::fromValue).toString());
+            high = rhsDate(rhs.value(Key::toValue).toString());
             span = true;
         } else if (op == Op::isInTheLast || op == Op::isNotInTheLast) {
-            const QDateTime now = ZTListClock::now();
+            // Whole days are compared, so the cut-off is reckoned on the calendar date.
+            const QDate today = (m_evaluationTime.isValid() ? m_evaluationTime : ZTListClock::now()).date();
             const int number = int(
                 std::clamp<qint64>(integerValue(rhs.value(Key::numberValue).toString()), -1000000, 1000000));
             const QString period = rhs.value(Key::timePeriodValue).toString();
-            QDateTime cutOff;
             if (period == QLatin1String("days"))
-                cutOff = now.addDays(-number);
+                low = today.addDays(-number);
             else if (period == QLatin1String("weeks"))
-                cutOff = now.addDays(-7 * qint64(number));
+                low = today.addDays(-7 * qint64(number));
             else if (period == QLatin1String("months"))
-                cutOff = now.addMonths(-number);
+                low = today.addMonths(-number);
             else
-                cutOff = now.addYears(-number);
-            low = cutOff.date();
-            high = now.date();
+                low = today.addYears(-number);
+            high = today;
             span = true;
             inside = op == Op::isInTheLast;
         } else {
-            low = dateFromRhsString(rhs.value(Key::value).toString()).date();
+            low = rhsDate(rhs.value(Key::value).toString());
         }
-        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany)) {
-            const QDate date =
-                toMany ? dateFromRhsString(value.toString()).date() : localDate(value.toDateTime());
-            bool pass;
-            if (span) {
-                const bool within = compareDates(date, Op::isGreaterThanOrEqualTo, low, bit) &&
-                                    compareDates(date, Op::isLessThanOrEqualTo, high, bit);
-                pass = within == inside;
-            } else {
-                pass = compareDates(date, op, low, bit);
-            }
-            if (pass)
+        auto judge = [&](const QDate &date) {
+            if (!span)
+                return compareDates(date, op, low, bit);
+            const bool within = compareDates(date, Op::isGreaterThanOrEqualTo, low, bit) &&
+                                compareDates(date, Op::isLessThanOrEqualTo, high, bit);
+            return within == inside;
+        };
+        if (!toMany)
+            return verdict(judge(localDate(item.valueForKey(key).toDateTime())));
+        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany))
+            if (judge(rhsDate(value.toString())))
                 return Verdict::Pass;
-        }
         return Verdict::Fail;
     }
     // A rule of a type this program does not know neither fails nor passes.
