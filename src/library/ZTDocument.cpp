@@ -393,6 +393,7 @@ bool ZTDocument::saveDocument(QString *error)
     if (!m_context)
         return false;
     prune();
+    writeListData();
     if (!m_context->save(error))
         return false;
     QVariantMap info;

@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 
 class ZTItem;
@@ -86,6 +87,40 @@ public:
     QList<ZTSmartList *> smartLists() const;
     void updateSmartListsWithItem(ZTItem *item);
     void updateSmartListsWithItems(const QList<ZTItem *> &items);
+
+    // Lists (src/lists/ZTDocumentLists.cpp, ZTDocumentSmartLists.cpp). Rows are
+    // those of the list table: row 0 is the main list, row n entry n-1 of itemLists.
+    ZTList *listAtRow(int row) const;
+    // A new ordinary list called "untitled list", appended to itemLists.
+    ZTList *addList();
+    // Renames the list at the row; refuses row 0, a row out of range, a blank
+    // name and the present name. Returns whether the name changed.
+    bool updateListAtIndex(int row, const QString &name);
+    void updateListOrderings();
+    // Asks `confirm(title, message)` and removes the list at the row (not the
+    // main list); its items stay in the library.
+    // No confirmation function means the user has already agreed.
+    using Confirmation = std::function<bool(const QString &title, const QString &message)>;
+    bool removeListAtRow(int row, const Confirmation &confirm = {});
+    // Removes the oids as the list at `listRow` shows them: from the library
+    // (row 0, or Force, after confirmation), from an ordinary list only, or not
+    // at all from a smart list.
+    enum class RemovalScope { AsShown, Force };
+    bool removeSelectedItems(const QStringList &oids, int listRow, RemovalScope scope,
+                             const Confirmation &confirm = {});
+    // Copies an item of another library of this kind into this one (cover,
+    // loan and people come along), through the same bookkeeping as a new item.
+    ZTItem *addItemCopy(const ZTItem &source, ZTList *targetList);
+    // "1 book", "12 books" …: a list's tool tip.
+    QString itemDescriptionStringForCount(int count) const;
+    // The drag contents key of this kind's items.
+    QString mediaDragType() const;
+    // Every item row of the kind, in the store's table order.
+    QList<ZTItem *> itemsOfKind() const;
+    // Writes the oids of every list whose bytes are still pending; saving runs it.
+    void writeListData();
+    // Re-evaluates the smart lists whose day-bound rules have expired.
+    void updateExpiredSmartLists();
 
     // The settings key of the kind's lookup sites ("Locale Books Array" …).
     virtual QString localeArrayKey() const = 0;

@@ -1,5 +1,7 @@
 #include "lists/ZTSmartList.h"
 
+#include "lists/ZTListClock.h"
+#include "model/ZTItem.h"
 #include "store/ZTManagedObjectContext.h"
 #include "store/ZTPropertyList.h"
 
@@ -19,8 +21,14 @@ ZTSmartList *ZTSmartList::createInManagedObjectContext(ZTManagedObjectContext *c
     return list;
 }
 
-int ZTSmartList::andOrFlag() const { return primitiveValueForKey(s_andOrFlag).toInt(); }
-void ZTSmartList::setAndOrFlag(int flag) { setPrimitiveValueForKey(flag, s_andOrFlag); }
+int ZTSmartList::andOrFlag() const
+{
+    return primitiveValueForKey(s_andOrFlag).toInt();
+}
+void ZTSmartList::setAndOrFlag(int flag)
+{
+    setPrimitiveValueForKey(flag ? 1 : 0, s_andOrFlag);
+}
 
 void ZTSmartList::setQualifiers(const QVariantList &qualifiers)
 {
@@ -34,7 +42,10 @@ void ZTSmartList::updateQualifierData()
     setPrimitiveValueForKey(ZTPropertyList::serialize(QVariant(m_qualifiers)), s_qualifierData);
 }
 
-QDateTime ZTSmartList::expirationDate() const { return primitiveValueForKey(s_expirationDate).toDateTime(); }
+QDateTime ZTSmartList::expirationDate() const
+{
+    return primitiveValueForKey(s_expirationDate).toDateTime();
+}
 void ZTSmartList::setExpirationDate(const QDateTime &date)
 {
     setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(), s_expirationDate);
@@ -61,10 +72,51 @@ void ZTSmartList::awakeFromFetch()
     m_hasQualifiers = true;
 }
 
-bool ZTSmartList::handleItems(const QList<ZTItem *> &items, const ZTDocument &document)
+bool ZTSmartList::itemBelongsOnList(const ZTItem &item) const
 {
-    // Rule evaluation arrives with the smart-list rules; until then membership stays as stored.
-    Q_UNUSED(items)
-    Q_UNUSED(document)
+    return shouldUseAndQualifier() ? itemBelongsOnListUsingAndQualifier(item)
+                                   : itemBelongsOnListUsingOrQualifier(item);
+}
+
+bool ZTSmartList::itemBelongsOnListUsingAndQualifier(const ZTItem &item) const
+{
+    for (const QVariant &qualifier : m_qualifiers)
+        if (evaluateQualifier(item, qualifier.toMap()) == Verdict::Fail)
+            return false;
+    return true;
+}
+
+bool ZTSmartList::itemBelongsOnListUsingOrQualifier(const ZTItem &item) const
+{
+    for (const QVariant &qualifier : m_qualifiers)
+        if (evaluateQualifier(item, qualifier.toMap()) == Verdict::Pass)
+            return true;
     return false;
+}
+
+void ZTSmartList::handleItems(const QList<ZTItem *> &items)
+{
+    m_itemOids.clear();
+    m_evaluationTime = ZTListClock::now();
+    for (const ZTItem *item : items)
+        if (item && itemBelongsOnList(*item))
+            m_itemOids << item->oid();
+    m_evaluationTime = QDateTime();
+    itemOidsReplaced();
+    updateListData();
+}
+
+void ZTSmartList::updateExpirationDate()
+{
+    bool dependsOnToday = false;
+    for (const QVariant &entry : std::as_const(m_qualifiers)) {
+        const QVariantMap qualifier = entry.toMap();
+        const QString op = qualifier.value(ZTQualifierKey::op).toString();
+        if (qualifier.value(ZTQualifierKey::type).toString() == QLatin1String("date") &&
+            (op == ZTQualifierOperator::isInTheLast || op == ZTQualifierOperator::isNotInTheLast)) {
+            dependsOnToday = true;
+            break;
+        }
+    }
+    setExpirationDate(dependsOnToday ? ZTListClock::now().addDays(1) : QDateTime());
 }

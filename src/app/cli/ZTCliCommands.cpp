@@ -16,6 +16,10 @@ int scan(const QStringList &args);
 int importItems(const QStringList &args);
 int exportItems(const QStringList &args);
 int lookup(const QStringList &args);
+int lists(const QStringList &args);
+int listAdd(const QStringList &args);
+int smartAdd(const QStringList &args);
+int listShow(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -61,6 +65,14 @@ const ZTCli::Command s_commands[] = {
      "look codes up with the library's active sites and print each merged item as JSON;\n"
      "      --add also adds the items (with their covers) to the library",
      &ZTCliCommands::lookup},
+    {"lists", "PATH [--json]", "print each list's row, kind (library, list, smart), item count and name",
+     &ZTCliCommands::lists},
+    {"list-add", "PATH NAME [OID...]", "make a list holding the items in the order given", &ZTCliCommands::listAdd},
+    {"smart-add", "PATH NAME --all|--any --rule 'TITLE|OPERATOR|VALUE'...",
+     "make a smart list; VALUE is FROM..TO for a range, '5 days' for a period, dates\n"
+     "      MM-dd-yyyy or yyyy-MM-dd, none for yes/no rules ('Signed|is set')",
+     &ZTCliCommands::smartAdd},
+    {"list-show", "PATH NAME [--json]", "print a list's description and its member oids", &ZTCliCommands::listShow},
 };
 } // namespace
 

@@ -155,6 +155,7 @@ int set(const QStringList &args)
             changes.insert(code, item->valueForKey(code));
     if (item->takeAttributesFromDictionary(changes)) {
         document->updateOid(item->oid());
+        document->updateSmartListsWithItem(item);
         document->updateChangeCount(ZTDocument::ChangeType::Done);
     }
     if (!ZTCliLibrary::save(*document))
@@ -196,6 +197,7 @@ int cover(const QStringList &args)
         return ZTCli::fail(QStringLiteral("no item with oid %1").arg(args[1]));
     item->replaceCover({}, bytes, QFileInfo(args[2]).fileName(), {}, true);
     document->updateOid(item->oid());
+    document->updateSmartListsWithItem(item);
     document->updateChangeCount(ZTDocument::ChangeType::Done);
     return ZTCliLibrary::save(*document) ? 0 : 2;
 }

@@ -1,0 +1,213 @@
+// The one pass over a list that feeds the filter browser and its counts.
+#include "lists/ZTList.h"
+
+#include "library/ZTAttributeTables.h"
+#include "library/ZTDocument.h"
+#include "lists/ZTListCompare.h"
+#include "lookup/ZTStringExtras.h"
+#include "model/ZTItem.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <algorithm>
+
+namespace {
+
+struct Tally {
+    qint64 count = 0;
+    QStringList oids;
+};
+
+// One attribute's values in first-seen order with their tallies. The blank
+// marker is tallied apart so it never joins the values.
+struct Column {
+    QHash<QString, int> index;
+    QStringList values;
+    QList<Tally> tallies;
+    Tally blank;
+    bool hasBlank = false;
+
+    void count(const QString &value, const QString &oid)
+    {
+        auto it = index.constFind(value);
+        int i;
+        if (it == index.constEnd()) {
+            i = int(values.size());
+            index.insert(value, i);
+            values << value;
+            tallies.append(Tally());
+        } else {
+            i = *it;
+        }
+        Tally &tally = tallies[i];
+        ++tally.count;
+        tally.oids << oid;
+    }
+    void countBlank(const QString &oid)
+    {
+        hasBlank = true;
+        ++blank.count;
+        blank.oids << oid;
+    }
+};
+
+bool isBlank(const QString &text)
+{
+    return text.isNull() || !ZTText::containsNonWhitespace(text);
+}
+
+// The yes/no readers of an item by their cache names. The item answers them as
+// member functions; valueForKey is asked first so that a kind may add its own.
+bool booleanValue(const ZTItem &item, const QString &key)
+{
+    const QVariant value = item.valueForKey(key);
+    if (value.isValid())
+        return value.toBool();
+    static const QHash<QString, bool (ZTItem::*)() const> readers{
+        {QStringLiteral("isLentOut"), &ZTItem::isLentOut}, {QStringLiteral("isLocked"), &ZTItem::isLocked},
+        {QStringLiteral("isOverdue"), &ZTItem::isOverdue}, {QStringLiteral("isOwned"), &ZTItem::isOwned},
+        {QStringLiteral("isUsed"), &ZTItem::isUsed},       {QStringLiteral("isSigned"), &ZTItem::isSigned}};
+    const auto reader = readers.value(key);
+    return reader && (item.*reader)();
+}
+
+QString yesText()
+{
+    return QCoreApplication::translate("Localizable", "Yes");
+}
+QString noText()
+{
+    return QCoreApplication::translate("Localizable", "No");
+}
+
+} // namespace
+
+QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
+                                                 const QStringList &addressBookNames) const
+{
+    const ZTCacheableAttributes &keys = document.attributeTables().cacheableAttributesDictionary();
+    const QString yes = yesText();
+    const QString no = noText();
+
+    QHash<QString, Column> columns;
+    for (const QString &key : keys.all)
+        columns.insert(key, Column());
+    for (const QString &key : keys.boolean) {
+        Column &column = columns[key];
+        column.values = {yes, no};
+        column.index = {{yes, 0}, {no, 1}};
+        column.tallies = {Tally(), Tally()};
+    }
+
+    // Looked up once, so the pass over the items touches no hash of columns.
+    auto columnsFor = [&](const QStringList &names) {
+        QList<Column *> list;
+        for (const QString &key : names)
+            list << &columns[key];
+        return list;
+    };
+    const QList<Column *> stringColumns = columnsFor(keys.string);
+    const QList<Column *> arrayColumns = columnsFor(keys.array);
+    const QList<Column *> numberColumns = columnsFor(keys.number);
+    const QList<Column *> booleanColumns = columnsFor(keys.boolean);
+
+    static const QString lentToName = QStringLiteral("lentToName");
+    QSet<QString> people(addressBookNames.cbegin(), addressBookNames.cend());
+    QSet<QString> seen;
+    for (const QString &oid : m_itemOids) {
+        const ZTItem *item = document.itemForOid(oid);
+        if (!item)
+            continue;
+        for (int k = 0; k < keys.string.size(); ++k) {
+            const QString value = item->valueForKey(keys.string[k]).toString();
+            if (isBlank(value))
+                stringColumns[k]->countBlank(oid);
+            else
+                stringColumns[k]->count(value, oid);
+        }
+        for (int k = 0; k < keys.array.size(); ++k) {
+            const QStringList values = ZTItem::variantToStrings(item->valueForKey(keys.array[k]));
+            Column *column = arrayColumns[k];
+            if (values.isEmpty()) {
+                column->countBlank(oid);
+                continue;
+            }
+            // An item counts once under each of its values, even a repeated one.
+            seen.clear();
+            bool blankCounted = false;
+            for (const QString &value : values) {
+                if (isBlank(value)) {
+                    if (!blankCounted)
+                        column->countBlank(oid);
+                    blankCounted = true;
+                } else if (!seen.contains(value)) {
+                    seen.insert(value);
+                    column->count(value, oid);
+                }
+            }
+        }
+        for (int k = 0; k < keys.number.size(); ++k) {
+            const QVariant value = item->valueForKey(keys.number[k]);
+            const QString text = value.isValid() && !value.isNull() ? value.toString() : QString();
+            if (text.isNull())
+                numberColumns[k]->countBlank(oid);
+            else
+                numberColumns[k]->count(text, oid);
+        }
+        for (int k = 0; k < keys.boolean.size(); ++k)
+            booleanColumns[k]->count(booleanValue(*item, keys.boolean[k]) ? yes : no, oid);
+        const QString borrower = item->valueForKey(lentToName).toString();
+        if (!isBlank(borrower))
+            people.insert(borrower);
+    }
+
+    QVariantMap result;
+    QVariantMap countTable;
+    QVariantMap oidTable;
+    auto publish = [&](const QString &key, const Column &column, const QStringList &sorted) {
+        QVariantMap counts;
+        QVariantMap oids;
+        for (const QString &value : sorted) {
+            const Tally &tally = column.tallies[column.index.value(value)];
+            counts.insert(value, QString::number(tally.count));
+            oids.insert(value, tally.oids);
+        }
+        if (column.hasBlank) {
+            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blank.count));
+            oids.insert(ZTFilterDictionaryKey::emptyTag, column.blank.oids);
+        }
+        result.insert(key, sorted);
+        countTable.insert(key, counts);
+        oidTable.insert(key, oids);
+    };
+    for (const QStringList *group : {&keys.string, &keys.array}) {
+        for (const QString &key : *group) {
+            const Column &column = columns[key];
+            publish(key, column, ZTListCompare::sortedCaseInsensitive(column.values));
+        }
+    }
+    for (const QString &key : keys.number) {
+        const Column &column = columns[key];
+        QStringList sorted = column.values;
+        std::stable_sort(sorted.begin(), sorted.end(),
+                         [](const QString &a, const QString &b) { return a.toDouble() < b.toDouble(); });
+        publish(key, column, sorted);
+    }
+    for (const QString &key : keys.boolean)
+        publish(key, columns[key], columns[key].values);
+    result.insert(ZTFilterDictionaryKey::counts, countTable);
+    result.insert(ZTFilterDictionaryKey::oids, oidTable);
+
+    QSet<QString> languages;
+    for (const char *key : {"language", "originalLanguage"}) {
+        auto it = columns.constFind(QLatin1String(key));
+        if (it != columns.constEnd())
+            for (const QString &language : it->values)
+                languages.insert(language);
+    }
+    result.insert(ZTFilterDictionaryKey::personName, ZTListCompare::sortedCaseInsensitive(people.values()));
+    result.insert(ZTFilterDictionaryKey::allLanguages,
+                  ZTListCompare::sortedCaseInsensitive(languages.values()));
+    return result;
+}

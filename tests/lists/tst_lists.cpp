@@ -1,0 +1,274 @@
+// Ordinary lists: adding, renaming, removing, ordering, and the filter dictionary.
+#include "ListsTestLibrary.h"
+
+#include "app/ZTNotificationCenter.h"
+#include "lists/ZTList.h"
+#include "lists/ZTSmartList.h"
+#include "lists/ZTSmartListController.h"
+
+#include <QtTest>
+
+namespace Key = ZTFilterDictionaryKey;
+
+namespace {
+QVariantMap countsOf(const QVariantMap &result, const QString &key)
+{
+    return result.value(Key::counts).toMap().value(key).toMap();
+}
+QVariantMap oidsOf(const QVariantMap &result, const QString &key)
+{
+    return result.value(Key::oids).toMap().value(key).toMap();
+}
+QStringList names(const ZTDocument &document)
+{
+    QStringList result;
+    for (const ZTList *list : document.itemLists())
+        result << QStringLiteral("%1:%2").arg(list->order()).arg(list->name());
+    return result;
+}
+} // namespace
+
+class TestLists : public QObject {
+    Q_OBJECT
+
+private slots:
+    void addListAppendsUntitled();
+    void renaming_data();
+    void renaming();
+    void removingAList();
+    void removingItemsAsShown();
+    void listDataIsStoredAndAnnounced();
+    void filterDictionaryOfEmptyList();
+    void filterDictionaryCounts();
+    void filterDictionaryCompletionLists();
+    void filterDictionaryOfAList();
+};
+
+void TestLists::addListAppendsUntitled()
+{
+    ListsTestLibrary library;
+    QVERIFY(!library.document->isDocumentEdited());
+    ZTList *first = library.document->addList();
+    ZTList *second = library.document->addList();
+    QCOMPARE(first->name(), QStringLiteral("untitled list"));
+    QCOMPARE(first->order(), 0);
+    QCOMPARE(second->order(), 1);
+    QVERIFY(!first->isLibrary());
+    QVERIFY(library.document->isDocumentEdited());
+    QCOMPARE(library.document->listAtRow(0), library.document->mainList());
+    QCOMPARE(library.document->listAtRow(2), second);
+    QCOMPARE(library.document->listAtRow(3), nullptr);
+    QCOMPARE(library.document->listAtRow(-1), nullptr);
+}
+
+void TestLists::renaming_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("renamed");
+    QTest::newRow("new name") << 1 << "Favourites" << true;
+    QTest::newRow("main list") << 0 << "Everything" << false;
+    QTest::newRow("blank") << 1 << " \t\n" << false;
+    QTest::newRow("empty") << 1 << "" << false;
+    QTest::newRow("same name") << 1 << "untitled list" << false;
+    QTest::newRow("past the last") << 2 << "Favourites" << false;
+    QTest::newRow("negative") << -1 << "Favourites" << false;
+}
+
+void TestLists::renaming()
+{
+    QFETCH(int, row);
+    QFETCH(QString, name);
+    QFETCH(bool, renamed);
+    ListsTestLibrary library;
+    library.document->addList();
+    library.document->updateChangeCount(ZTDocument::ChangeType::Cleared);
+    const QString mainName = library.document->mainList()->name();
+    QCOMPARE(library.document->updateListAtIndex(row, name), renamed);
+    QCOMPARE(library.document->isDocumentEdited(), renamed);
+    QCOMPARE(library.document->listAtRow(1)->name(), renamed ? name : QStringLiteral("untitled list"));
+    QCOMPARE(library.document->mainList()->name(), mainName);
+}
+
+void TestLists::removingAList()
+{
+    ListsTestLibrary library;
+    ZTItem *item = library.add({{"title", "kept"}});
+    for (const char *name : {"a", "b", "c"})
+        library.document->addList()->setName(QLatin1String(name));
+    library.document->listAtRow(2)->addItem(item->oid());
+    QStringList asked;
+    auto refuse = [&](const QString &title, const QString &message) {
+        asked << title << message;
+        return false;
+    };
+    QVERIFY(!library.document->removeListAtRow(2, refuse));
+    QCOMPARE(asked, QStringList({"Remove List",
+                                 "Are you sure you want to remove the selected list from your library?"}));
+    QCOMPARE(library.document->itemLists().size(), 3);
+    QVERIFY(!library.document->removeListAtRow(0));
+    QVERIFY(!library.document->removeListAtRow(4));
+    library.document->updateChangeCount(ZTDocument::ChangeType::Cleared);
+    QVERIFY(library.document->removeListAtRow(2, [](const QString &, const QString &) { return true; }));
+    QCOMPARE(names(*library.document), QStringList({"0:a", "1:c"}));
+    QVERIFY(library.document->isDocumentEdited());
+    // The list's items stay in the library.
+    QCOMPARE(library.document->mainList()->itemOids(), QStringList{item->oid()});
+    QVERIFY(library.saveAndReopen());
+    QCOMPARE(names(*library.document), QStringList({"0:a", "1:c"}));
+}
+
+void TestLists::removingItemsAsShown()
+{
+    ListsTestLibrary library;
+    ZTItem *a = library.add({{"title", "a"}});
+    ZTItem *b = library.add({{"title", "b"}});
+    const QString aOid = a->oid(), bOid = b->oid();
+    ZTList *plain = library.document->addList();
+    plain->setItemOids({aOid, bOid});
+    ZTSmartList *smart = ZTSmartListController::saveSmartList(*library.document, nullptr, {}, 0, "all");
+    QCOMPARE(smart->count(), 2);
+
+    // A smart list shown: nothing happens without force.
+    QVERIFY(!library.document->removeSelectedItems({aOid}, 2, ZTDocument::RemovalScope::AsShown));
+    QCOMPARE(smart->count(), 2);
+    // An ordinary list: the oid leaves that list only, without a question.
+    int questions = 0;
+    auto agree = [&](const QString &, const QString &) {
+        ++questions;
+        return true;
+    };
+    QVERIFY(library.document->removeSelectedItems({aOid}, 1, ZTDocument::RemovalScope::AsShown, agree));
+    QCOMPARE(questions, 0);
+    QCOMPARE(plain->itemOids(), QStringList{bOid});
+    QCOMPARE(library.document->mainList()->count(), 2);
+    // Force from a list, or row 0: asked, then gone from everywhere.
+    QStringList titles;
+    auto decline = [&](const QString &title, const QString &) {
+        titles << title;
+        return false;
+    };
+    QVERIFY(
+        !library.document->removeSelectedItems({aOid, bOid}, 1, ZTDocument::RemovalScope::Force, decline));
+    QVERIFY(!library.document->removeSelectedItems({aOid}, 0, ZTDocument::RemovalScope::AsShown, decline));
+    QCOMPARE(titles, QStringList({"Remove Items", "Remove Item"}));
+    QCOMPARE(library.document->mainList()->count(), 2);
+    QVERIFY(library.document->removeSelectedItems({bOid}, 2, ZTDocument::RemovalScope::Force, agree));
+    QVERIFY(!library.document->itemForOid(bOid));
+    QCOMPARE(library.document->mainList()->itemOids(), QStringList{aOid});
+    QVERIFY(plain->itemOids().isEmpty());
+    QCOMPARE(smart->itemOids(), QStringList{aOid});
+}
+
+void TestLists::listDataIsStoredAndAnnounced()
+{
+    ListsTestLibrary library;
+    ZTList *list = library.document->addList();
+    list->setName("ordered");
+    QStringList seen;
+    ZTObservation observation(ZTListNotification::updated, list, [&](const ZTNotification &note) {
+        seen << note.userInfo.value(QStringLiteral("oid")).toString();
+    });
+    list->setItemOids({"x", "y"});
+    list->addItem("w");
+    QCOMPARE(list->itemOids(), QStringList({"w", "x", "y"}));
+    QVERIFY(list->containsOid("x"));
+    QVERIFY(list->removeOid("x"));
+    QVERIFY(!list->containsOid("x"));
+    QVERIFY(!list->removeOid("x"));
+    list->updateListData();
+    QCOMPARE(seen, QStringList({list->listOid(), list->listOid(), list->listOid()}));
+    QVERIFY(library.saveAndReopen());
+    QCOMPARE(library.document->itemLists().at(0)->itemOids(), QStringList({"w", "y"}));
+}
+
+void TestLists::filterDictionaryOfEmptyList()
+{
+    ListsTestLibrary library;
+    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(*library.document);
+    const ZTCacheableAttributes &keys = library.document->attributeTables().cacheableAttributesDictionary();
+    for (const QString &key : keys.boolean) {
+        QCOMPARE(result.value(key).toStringList(), QStringList({"Yes", "No"}));
+        QCOMPARE(countsOf(result, key), QVariantMap({{"Yes", "0"}, {"No", "0"}}));
+        QCOMPARE(oidsOf(result, key).value("Yes").toStringList(), QStringList());
+    }
+    for (const QString &key : keys.string + keys.array + keys.number) {
+        QVERIFY2(result.contains(key), qPrintable(key));
+        QVERIFY(result.value(key).toStringList().isEmpty());
+        QVERIFY(countsOf(result, key).isEmpty());
+    }
+    QVERIFY(result.value(Key::personName).toStringList().isEmpty());
+    QVERIFY(result.value(Key::allLanguages).toStringList().isEmpty());
+}
+
+void TestLists::filterDictionaryCounts()
+{
+    ListsTestLibrary library;
+    ZTItem *a = library.add({{"title", "a"},
+                             {"keywords", QStringList{"fantasy", "fantasy", "elves"}},
+                             {"series", "  "},
+                             {"genre", "Fantasy"},
+                             {"copies", 10},
+                             {"signedFlag", true}});
+    ZTItem *b = library.add({{"title", "b"},
+                             {"keywords", QStringList{"Dragons"}},
+                             {"series", "Middle-earth"},
+                             {"genre", "fantasy"},
+                             {"copies", 9}});
+    ZTItem *c = library.add({{"title", "c"}, {"genre", "Fantasy"}, {"copies", 10}});
+    // Oids without an item are left out.
+    library.document->mainList()->addItem("no-such-item");
+    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(*library.document);
+
+    QCOMPARE(result.value("keywords").toStringList(), QStringList({"Dragons", "elves", "fantasy"}));
+    QCOMPARE(countsOf(result, "keywords").value("fantasy").toString(), QStringLiteral("1"));
+    QCOMPARE(countsOf(result, "keywords").value(Key::emptyTag).toString(), QStringLiteral("1"));
+    QCOMPARE(oidsOf(result, "keywords").value(Key::emptyTag).toStringList(), QStringList{c->oid()});
+
+    // A blank series counts under the marker and is no value.
+    QCOMPARE(result.value("series").toStringList(), QStringList{"Middle-earth"});
+    QCOMPARE(countsOf(result, "series").value(Key::emptyTag).toString(), QStringLiteral("2"));
+    QCOMPARE(oidsOf(result, "series").value(Key::emptyTag).toStringList(), QStringList({c->oid(), a->oid()}));
+
+    // Values differ by case as stored; the order ignores it.
+    QCOMPARE(countsOf(result, "genre").value("Fantasy").toString(), QStringLiteral("2"));
+    QCOMPARE(countsOf(result, "genre").value("fantasy").toString(), QStringLiteral("1"));
+
+    // Numbers sort by value, not as text.
+    QCOMPARE(result.value("copies").toStringList(), QStringList({"9", "10"}));
+    QCOMPARE(countsOf(result, "copies"), QVariantMap({{"9", "1"}, {"10", "2"}}));
+    QVERIFY(!countsOf(result, "copies").contains(Key::emptyTag));
+    QCOMPARE(countsOf(result, "year").value(Key::emptyTag).toString(), QStringLiteral("3"));
+
+    QCOMPARE(countsOf(result, "isSigned"), QVariantMap({{"Yes", "1"}, {"No", "2"}}));
+    QCOMPARE(oidsOf(result, "isSigned").value("Yes").toStringList(), QStringList{a->oid()});
+    QCOMPARE(oidsOf(result, "isSigned").value("No").toStringList(), QStringList({c->oid(), b->oid()}));
+}
+
+void TestLists::filterDictionaryCompletionLists()
+{
+    ListsTestLibrary library;
+    ZTItem *lent = library.add({{"title", "lent"}, {"language", "German"}, {"originalLanguage", "english"}});
+    lent->setLentToName("Zoe Adams");
+    library.add({{"title", "other"}, {"language", "English"}});
+    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(
+        *library.document, {"bob brown", "Alice Archer", "Zoe Adams"});
+    QCOMPARE(result.value(Key::personName).toStringList(),
+             QStringList({"Alice Archer", "bob brown", "Zoe Adams"}));
+    QCOMPARE(result.value(Key::allLanguages).toStringList(), QStringList({"English", "english", "German"}));
+}
+
+void TestLists::filterDictionaryOfAList()
+{
+    ListsTestLibrary library;
+    ZTItem *a = library.add({{"title", "a"}, {"genre", "Crime"}});
+    library.add({{"title", "b"}, {"genre", "Poetry"}});
+    ZTList *list = library.document->addList();
+    list->setItemOids({a->oid()});
+    const QVariantMap result = list->filterDictionaryFromDocument(*library.document);
+    QCOMPARE(result.value("genre").toStringList(), QStringList{"Crime"});
+    QCOMPARE(countsOf(result, "isSigned"), QVariantMap({{"Yes", "0"}, {"No", "1"}}));
+}
+
+QTEST_GUILESS_MAIN(TestLists)
+#include "tst_lists.moc"
