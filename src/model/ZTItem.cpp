@@ -421,8 +421,23 @@ void ZTItem::setLentToName(const QString &name)
 {
     if (name.isEmpty() && !lendingContext())
         return;
-    if (ZTLendingContext *lending = ensureLending(this))
+    if (ZTLendingContext *lending = ensureLending(this)) {
         lending->setPrimitiveValueForKey(name, QStringLiteral("name"));
+        lending->updateName();
+    }
+}
+
+QString ZTItem::lentToNameLastNameFirst() const
+{
+    return lendingContext() ? lendingContext()->nameLastNameFirst() : QString();
+}
+
+void ZTItem::setLentOutFlag(const QVariant &flag)
+{
+    if (flag.isValid() && !flag.isNull() && flag.toBool())
+        ensureLending(this);
+    else
+        removeLending();
 }
 
 void ZTItem::setLentToEmail(const QString &email)
@@ -604,7 +619,25 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                                       return d.isValid() ? QVariant(d) : QVariant();
                                   },
                                   [](ZTItem &i, const QVariant &v) { i.setDateDue(toDateTime(v)); }});
-    t.insert(QStringLiteral("lentOutFlag"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    t.insert(QStringLiteral("lentOutFlag"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); },
+                                             [](ZTItem &i, const QVariant &v) { i.setLentOutFlag(v); }});
+    t.insert(QStringLiteral("lentToNameLastNameFirst"), {[](const ZTItem &i) -> QVariant {
+                                                             const QString s = i.lentToNameLastNameFirst();
+                                                             return s.isEmpty() ? QVariant() : QVariant(s);
+                                                         },
+                                                         nullptr});
+    // The questions the browser, the caches and the cells ask by name.
+    t.insert(QStringLiteral("isLentOut"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    t.insert(QStringLiteral("isLocked"), {[](const ZTItem &i) -> QVariant { return i.isLocked(); }, nullptr});
+    t.insert(QStringLiteral("isOverdue"), {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
+    t.insert(QStringLiteral("isOwned"), {[](const ZTItem &i) -> QVariant { return i.isOwned(); }, nullptr});
+    t.insert(QStringLiteral("isUsed"), {[](const ZTItem &i) -> QVariant { return i.isUsed(); }, nullptr});
+    t.insert(QStringLiteral("isSigned"), {[](const ZTItem &i) -> QVariant { return i.isSigned(); }, nullptr});
+    t.insert(QStringLiteral("firstKeyword"), {[](const ZTItem &i) -> QVariant {
+                                                  const QStringList k = i.keywords();
+                                                  return k.isEmpty() ? QVariant() : QVariant(k.first());
+                                              },
+                                              nullptr});
     // Picture data handed in through a dictionary, kept until the caller takes it.
     t.insert(QStringLiteral("imageSmall"), {&transientGet<&Transient::imageSmall>, &transientSet<&Transient::imageSmall>});
     t.insert(QStringLiteral("imageMedium"), {&transientGet<&Transient::imageMedium>, &transientSet<&Transient::imageMedium>});

@@ -91,6 +91,9 @@ public:
     void setDateLent(const QDateTime &date);
     void setDateDue(const QDateTime &date);
     bool isLentOut() const { return lendingContext() != nullptr; }
+    // True makes an empty loan if there is none; false or nothing ends the loan.
+    void setLentOutFlag(const QVariant &flag);
+    QString lentToNameLastNameFirst() const;
     void removeLending();
 
     // The cover.
