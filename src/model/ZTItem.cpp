@@ -551,6 +551,30 @@ QVariant ZTItem::valueForKey(const QString &key) const
     return ZTManagedObject::valueForKey(key);
 }
 
+ZTItem::KeyReader ZTItem::readerForKey(const QString &key) const
+{
+    KeyReader reader;
+    reader.key = key;
+    reader.entity = entity();
+    const AccessorTable &table = accessors();
+    auto it = table.constFind(key);
+    if (it != table.constEnd() && it->get)
+        reader.get = it->get;
+    else if (entity())
+        reader.slot = entity()->attributeSlot(key);
+    return reader;
+}
+
+QVariant ZTItem::KeyReader::read(const ZTItem &item) const
+{
+    // Items of another kind answer through their own tables.
+    if (item.entity() != entity)
+        return item.valueForKey(key);
+    if (get)
+        return get(item);
+    return slot >= 0 ? item.primitiveValue(slot) : QVariant();
+}
+
 void ZTItem::setValueForKey(const QVariant &value, const QString &key)
 {
     const AccessorTable &table = accessors();
