@@ -1,7 +1,9 @@
 #include "library/ZTSearchIndex.h"
 
-#include "library/ZTDocument.h"
+#include "library/ZTItemTable.h"
 #include "model/ZTItem.h"
+
+#include <cstring>
 
 namespace {
 
@@ -63,25 +65,71 @@ QString ZTSearchIndex::searchableText(const ZTItem &item)
     return text.toCaseFolded();
 }
 
-QString ZTSearchIndex::foldedNeedle(const QString &text)
+QByteArray ZTSearchIndex::foldedNeedle(const QString &text)
 {
-    return text.contains(s_separator) ? QString() : text.toCaseFolded();
+    return text.isEmpty() || text.contains(s_separator) ? QByteArray() : text.toCaseFolded().toUtf8();
 }
 
-bool ZTSearchIndex::contains(const ZTDocument &document, const QString &oid, const QString &needle)
+int ZTSearchIndex::slotForOid(const ZTItemTable &table, const QString &oid)
 {
-    auto it = m_texts.constFind(oid);
-    if (it == m_texts.constEnd()) {
-        const ZTItem *item = document.itemForOid(oid);
-        if (!item)
-            return false;
-        it = m_texts.insert(oid, searchableText(*item));
+    auto it = m_slots.constFind(oid);
+    if (it != m_slots.constEnd())
+        return *it;
+    const ZTItem *item = table.item(oid);
+    if (!item)
+        return -1;
+    const int slot = int(m_texts.size());
+    m_slots.insert(oid, slot);
+    m_oids.push_back(oid);
+    m_texts.push_back(searchableText(*item).toUtf8());
+    m_stale.push_back(false);
+    return slot;
+}
+
+std::vector<int> ZTSearchIndex::slotsForOids(const ZTItemTable &table, const QStringList &oids)
+{
+    // The same list as last time, unchanged: its rowSlots are known.
+    if (oids.isSharedWith(m_lastOids) && oids.size() == qsizetype(m_lastSlots.size()))
+        return m_lastSlots;
+    std::vector<int> rowSlots;
+    rowSlots.reserve(size_t(oids.size()));
+    for (const QString &oid : oids)
+        rowSlots.push_back(slotForOid(table, oid));
+    m_lastOids = oids;
+    m_lastSlots = rowSlots;
+    return rowSlots;
+}
+
+bool ZTSearchIndex::contains(const ZTItemTable &table, int slot, const QByteArray &needle)
+{
+    if (slot < 0 || size_t(slot) >= m_texts.size())
+        return false;
+    if (m_stale[size_t(slot)]) {
+        const ZTItem *item = table.item(m_oids[size_t(slot)]);
+        m_texts[size_t(slot)] = item ? searchableText(*item).toUtf8() : QByteArray();
+        m_stale[size_t(slot)] = false;
     }
-    return it->contains(needle);
+    const QByteArray &text = m_texts[size_t(slot)];
+    // UTF-8 is self-synchronising, so a byte match is a character match.
+    return memmem(text.constData(), size_t(text.size()), needle.constData(), size_t(needle.size())) !=
+           nullptr;
+}
+
+void ZTSearchIndex::invalidate()
+{
+    m_slots.clear();
+    m_oids.clear();
+    m_texts.clear();
+    m_stale.clear();
+    m_lastOids.clear();
+    m_lastSlots.clear();
 }
 
 void ZTSearchIndex::invalidate(const QStringList &oids)
 {
-    for (const QString &oid : oids)
-        m_texts.remove(oid);
+    for (const QString &oid : oids) {
+        auto it = m_slots.constFind(oid);
+        if (it != m_slots.constEnd())
+            m_stale[size_t(*it)] = true;
+    }
 }

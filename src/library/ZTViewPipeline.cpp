@@ -4,6 +4,7 @@
 #include "library/ZTContacts.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemStatistics.h"
+#include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"
 #include "lists/ZTList.h"
 #include "model/ZTItem.h"
@@ -133,7 +134,6 @@ QVariantMap ZTViewPipeline::filterDictionaryForList(const ZTList &list) const
 
 void ZTViewPipeline::updateMainCaches()
 {
-    m_searchIndex.invalidate();
     const ZTCacheableAttributes &attributes = m_document.attributeTables().cacheableAttributesDictionary();
     if (ZTList *main = m_document.mainList())
         m_mainCaches = ZTLibraryCaches::fromFilterDictionary(filterDictionaryForList(*main), attributes,
@@ -204,17 +204,27 @@ int ZTViewPipeline::controlTextDidChange(const QString &text)
         const bool narrows = lowered.size() >= 2 && lowered.size() == m_searchString.size() + 1 &&
                              lowered.startsWith(m_searchString) && !converted;
         const QStringList candidates = narrows ? m_searchedItemOids : rowsOfList();
-        const QString needle = ZTSearchIndex::foldedNeedle(searchText);
+        const ZTItemTable table(m_document);
+        const QByteArray needle = ZTSearchIndex::foldedNeedle(searchText);
+        // A narrowing keystroke knows the slots of what it narrows.
+        const std::vector<int> rowSlots = narrows && m_searchedItemOids.isSharedWith(m_searchedSnapshot)
+                                              ? m_searchedSlots
+                                              : m_searchIndex.slotsForOids(table, candidates);
         QStringList found;
-        for (const QString &oid : candidates) {
-            if (!needle.isEmpty()) {
-                if (m_searchIndex.contains(m_document, oid, needle))
-                    found << oid;
-            } else if (const ZTItem *item = m_document.itemForOid(oid);
-                       item && item->containsString(searchText)) {
-                found << oid;
+        std::vector<int> foundSlots;
+        for (qsizetype i = 0; i < candidates.size(); ++i) {
+            bool match = false;
+            if (!needle.isEmpty())
+                match = m_searchIndex.contains(table, rowSlots[size_t(i)], needle);
+            else if (const ZTItem *item = table.item(candidates[i]))
+                match = item->containsString(searchText);
+            if (match) {
+                found << candidates[i];
+                foundSlots.push_back(rowSlots[size_t(i)]);
             }
         }
+        m_searchedSlots = std::move(foundSlots);
+        m_searchedSnapshot = found;
         m_searchedItemOids = found;
         updateItemStatistics();
     }
@@ -253,7 +263,13 @@ QStringList ZTViewPipeline::browserValues(const QString &filterLabel) const
 
 bool ZTViewPipeline::itemMatchesFilter(const ZTItem &item, const ZTFilter &filter, const QString &value)
 {
-    const QVariant itemValue = item.valueForKey(filter.key2.isEmpty() ? filter.key : filter.key2);
+    return valueMatchesFilter(item.valueForKey(filter.key2.isEmpty() ? filter.key : filter.key2), filter,
+                              value);
+}
+
+bool ZTViewPipeline::valueMatchesFilter(const QVariant &itemValue, const ZTFilter &filter,
+                                        const QString &value)
+{
     if (filter.type == QLatin1String("boolean"))
         return itemValue.toBool() == (value == yesLabel());
     if (value == noneLabel())
@@ -281,9 +297,11 @@ void ZTViewPipeline::itemBrowserChanged(const QString &filterLabel, const QStrin
     const ZTFilter *filter = m_document.attributeTables().filter(filterLabel);
     if (!filter || value.isEmpty())
         return;
+    const ZTItemTable table(m_document);
+    const ZTItem::KeyReader reader = table.reader(filter->key2.isEmpty() ? filter->key : filter->key2);
     for (const QString &oid : rowsOfList()) {
-        const ZTItem *item = m_document.itemForOid(oid);
-        if (item && itemMatchesFilter(*item, *filter, value))
+        const ZTItem *item = table.item(oid);
+        if (item && valueMatchesFilter(reader.read(*item), *filter, value))
             m_subItemOids << oid;
     }
 }

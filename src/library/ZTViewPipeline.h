@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <vector>
+
 class ZTDocument;
 class ZTItem;
 class ZTList;
@@ -50,10 +52,11 @@ public:
     int totalItemCount() const { return m_totalItemCount; }
 
     // ---- caches ----
-    // Every change to items reaches the view through these two: the caches
-    // are rebuilt and what the search remembers of the items is dropped.
     void updateMainCaches();
+    // Whoever changes items tells the view, so the search forgets what it
+    // remembered of them (the operations here do it themselves).
     void itemsDidChange(const QStringList &oids) { m_searchIndex.invalidate(oids); }
+    void invalidateSearchIndex() { m_searchIndex.invalidate(); }
     void updateSubCaches();
     const ZTLibraryCaches &mainCaches() const { return m_mainCaches; }
     const ZTLibraryCaches &subCaches() const { return m_subCaches; }
@@ -86,6 +89,7 @@ public:
     // The count bars: `counts` in column order, `max` and `average`.
     QVariantMap filterCountDictionary() const;
     static bool itemMatchesFilter(const ZTItem &item, const ZTFilter &filter, const QString &value);
+    static bool valueMatchesFilter(const QVariant &itemValue, const ZTFilter &filter, const QString &value);
     static QString noneLabel();
     static QString yesLabel();
     static QString noLabel();
@@ -137,4 +141,7 @@ private:
     QString m_browserFilter;
     QString m_browserValue;
     ZTSearchIndex m_searchIndex;
+    // The index slots of searchedItemOids, valid while it is unchanged (shares the snapshot).
+    QStringList m_searchedSnapshot;
+    std::vector<int> m_searchedSlots;
 };

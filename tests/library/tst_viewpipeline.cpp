@@ -81,7 +81,7 @@ void TestViewPipeline::narrowingSearchesOnlyThePreviousResult()
     QCOMPARE(p.searchedItemOids(), QStringList{first});
     // The other item changes so that it would match; a narrowing keystroke does not look at it.
     f.document().itemForOid(later)->setTitle(QStringLiteral("abc two"));
-    p.updateMainCaches();
+    p.itemsDidChange({later});
     p.controlTextDidChange(QStringLiteral("abc"));
     QCOMPARE(p.searchedItemOids(), QStringList{first});
 }
@@ -94,7 +94,7 @@ void TestViewPipeline::deletingACharacterRescans()
     ZTViewPipeline p(f.document());
     p.controlTextDidChange(QStringLiteral("abc"));
     f.document().itemForOid(later)->setTitle(QStringLiteral("abd two"));
-    p.updateMainCaches();
+    p.itemsDidChange({later});
     p.controlTextDidChange(QStringLiteral("ab"));
     QCOMPARE(QSet<QString>(p.searchedItemOids().begin(), p.searchedItemOids().end()),
              (QSet<QString>{first, later}));
@@ -171,7 +171,7 @@ void TestViewPipeline::searchIndexAgreesWithTheItems()
     for (auto it = dictionary.constBegin(); it != dictionary.constEnd(); ++it)
         for (const QString &value : ZTItem::variantToStrings(it.value()))
             needles << value << value.mid(1, 3).toUpper();
-    const QString text = ZTSearchIndex::searchableText(*item);
+    const QByteArray text = ZTSearchIndex::searchableText(*item).toUtf8();
     for (const QString &needle : std::as_const(needles))
         QVERIFY2(text.contains(ZTSearchIndex::foldedNeedle(needle.toLower())) ==
                      item->containsString(needle.toLower()),
