@@ -4,6 +4,8 @@
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemSorting.h"
+#include "library/ZTSearchIndex.h"
+#include "library/ZTTextOrder.h"
 #include "library/ZTViewPipeline.h"
 #include "lists/ZTList.h"
 #include "model/ZTItem.h"
@@ -140,7 +142,20 @@ int main(int argc, char **argv)
         for (const QString &oid : oids)
             document->itemForOid(oid);
         std::printf("  itemForOid: %.1f ms\n", milliseconds(timer));
+        QList<QString> titles;
+        for (ZTItem *item : all)
+            titles << item->titleWithoutLeadingArticle();
+        timer.restart();
+        qsizetype bytes = 0;
+        for (const QString &t : titles)
+            bytes += ZTTextOrder::sortKey(t).compare(ZTTextOrder::sortKey(t));
+        std::printf("  2x sort keys of titles: %.1f ms\n", milliseconds(timer));
+        timer.restart();
+        for (ZTItem *item : all)
+            bytes += ZTSearchIndex::searchableText(*item).size();
+        std::printf("  searchable texts: %.1f ms\n", milliseconds(timer));
     }
+    std::printf("peak RSS with the library loaded: %.1f MB\n", double(peakResidentKilobytes()) / 1024.0);
     ZTViewPipeline pipeline(*document);
     timer.restart();
     pipeline.updateMainCaches();

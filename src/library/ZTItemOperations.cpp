@@ -114,6 +114,7 @@ void ZTItemOperations::setItemsToBeLocked(const QStringList &oids, bool locked)
         item->setPrimitiveValueForKey(now, QStringLiteral("dateModified"));
         document.updateOid(item->oid());
     }
+    m_pipeline.itemsDidChange(oids);
     itemsChanged(SubCaches::Update);
 }
 
@@ -134,6 +135,7 @@ int ZTItemOperations::setRatingOfItems(const QStringList &oids, const QVariant &
         document.updateOid(item->oid());
         ++changed;
     }
+    m_pipeline.itemsDidChange(oids);
     itemsChanged(SubCaches::Update);
     return changed;
 }
@@ -164,6 +166,7 @@ void ZTItemOperations::removeSelectedItems(const QStringList &oids, Removal remo
     if (removal == Removal::None || oids.isEmpty())
         return;
     ZTDocument &document = m_pipeline.document();
+    m_pipeline.itemsDidChange(oids);
     const QSet<QString> gone(oids.begin(), oids.end());
     auto strip = [&gone](QStringList &array) {
         array.removeIf([&gone](const QString &oid) { return gone.contains(oid); });

@@ -1,6 +1,7 @@
 #include "library/ZTItemSorting.h"
 
 #include "library/ZTDocument.h"
+#include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"
 #include "lists/ZTList.h"
 #include "model/ZTItem.h"
@@ -23,32 +24,35 @@ namespace {
 
 bool isNil(const QVariant &v)
 {
-    if (!v.isValid() || v.isNull())
-        return true;
-    return false;
+    return !v.isValid() || v.isNull();
 }
 
-// A key read once per row: texts turn into collation keys so that a sort of a
-// hundred thousand rows compares bytes, not strings through the collator.
+// A key read once per row: texts turn into collation keys and numbers, dates
+// and flags into doubles, so that a sort of a hundred thousand rows compares
+// bytes and numbers rather than going through the collator and QVariant.
 struct SortValue {
+    enum class Kind : quint8 { Nil, Text, Number, Other };
+    Kind kind = Kind::Nil;
+    double number = 0;
     std::optional<QCollatorSortKey> text;
     QVariant other;
-    bool nil = true;
 };
+
+int sign(double d)
+{
+    return d < 0 ? -1 : (d > 0 ? 1 : 0);
+}
 
 int compareSortValues(const SortValue &a, const SortValue &b)
 {
-    if (a.nil && b.nil)
-        return 0;
-    if (a.nil)
-        return -1;
-    if (b.nil)
-        return 1;
-    if (a.text && b.text) {
-        const int r = a.text->compare(*b.text);
-        return r < 0 ? -1 : (r > 0 ? 1 : 0);
-    }
-    return ZTTextOrder::compareValues(a.text ? QVariant() : a.other, b.text ? QVariant() : b.other);
+    using K = SortValue::Kind;
+    if (a.kind == K::Nil || b.kind == K::Nil)
+        return a.kind == b.kind ? 0 : (a.kind == K::Nil ? -1 : 1);
+    if (a.kind == K::Text && b.kind == K::Text)
+        return sign(a.text->compare(*b.text));
+    if (a.kind == K::Number && b.kind == K::Number)
+        return a.number < b.number ? -1 : (a.number > b.number ? 1 : 0);
+    return ZTTextOrder::compareValues(a.other, b.other);
 }
 
 SortValue sortValueFor(const QVariant &value)
@@ -56,14 +60,37 @@ SortValue sortValueFor(const QVariant &value)
     SortValue s;
     if (isNil(value))
         return s;
-    s.nil = false;
-    if (ZTTextOrder::isText(value)) {
-        const QString text = value.typeId() == QMetaType::QStringList
-                                 ? value.toStringList().join(QLatin1Char(' '))
-                                 : value.toString();
-        s.text = ZTTextOrder::sortKey(text);
-    }
     s.other = value;
+    switch (value.typeId()) {
+    case QMetaType::QString:
+    case QMetaType::QStringList:
+        s.kind = SortValue::Kind::Text;
+        s.text = ZTTextOrder::sortKey(value.typeId() == QMetaType::QStringList
+                                          ? value.toStringList().join(QLatin1Char(' '))
+                                          : value.toString());
+        break;
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::Bool:
+        s.kind = SortValue::Kind::Number;
+        s.number = value.toDouble();
+        break;
+    case QMetaType::QDateTime:
+        s.kind = SortValue::Kind::Number;
+        s.number = double(value.toDateTime().toMSecsSinceEpoch());
+        break;
+    case QMetaType::QDate:
+        s.kind = SortValue::Kind::Number;
+        s.number = double(value.toDate().toJulianDay());
+        break;
+    default:
+        s.kind = SortValue::Kind::Other;
+        break;
+    }
     return s;
 }
 
@@ -78,15 +105,19 @@ void ZTItemSorting::sortOids(const ZTDocument &document, QStringList &oids, cons
 {
     if (entries.isEmpty() || oids.size() < 2)
         return;
+    const ZTItemTable table(document);
+    QList<ZTItem::KeyReader> readers;
+    for (const ZTSortEntry &entry : entries)
+        readers << table.reader(entry.columnIdentifier);
     const qsizetype rows = oids.size();
     const qsizetype keys = entries.size();
-    std::vector<SortValue> values(size_t(rows * keys));
+    std::vector<SortValue> values(static_cast<size_t>(rows * keys));
     for (qsizetype r = 0; r < rows; ++r) {
-        const ZTItem *item = document.itemForOid(oids[r]);
+        const ZTItem *item = table.item(oids[r]);
         if (!item)
             continue;
         for (qsizetype k = 0; k < keys; ++k)
-            values[size_t(r * keys + k)] = sortValueFor(item->valueForKey(entries[k].columnIdentifier));
+            values[size_t(r * keys + k)] = sortValueFor(readers[k].read(*item));
     }
     std::vector<qsizetype> order(static_cast<size_t>(rows));
     for (qsizetype r = 0; r < rows; ++r)

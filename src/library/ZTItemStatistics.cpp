@@ -2,6 +2,7 @@
 
 #include "app/ZTSettings.h"
 #include "library/ZTDocument.h"
+#include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"
 #include "model/ZTItem.h"
 #include "model/ZTMoneyFormatter.h"
@@ -86,17 +87,21 @@ QString ZTItemStatistics::itemStatisticsStringForOids(const ZTDocument &document
     qint64 itemCount = 0;
     qint64 subItemCount = 0;
     QHash<QString, double> value, paid;
+    const ZTItemTable table(document);
+    const ZTItem::KeyReader countReader = table.reader(countKey);
+    const ZTItem::KeyReader priceReader = table.reader(price);
+    const ZTItem::KeyReader pricePaidReader = table.reader(pricePaid);
     for (const QString &oid : oids) {
-        const ZTItem *item = document.itemForOid(oid);
+        const ZTItem *item = table.item(oid);
         if (!item)
             continue;
         ++itemCount;
-        const QVariant count = item->valueForKey(countKey);
+        const QVariant count = countReader.read(*item);
         subItemCount += countsTracks ? ZTItem::variantToStrings(count).size() : count.toLongLong();
-        const QVariant p = item->primitiveValueForKey(price);
+        const QVariant p = priceReader.read(*item);
         if (p.isValid() && !p.isNull())
             value[item->priceLocale()] += p.toDouble();
-        const QVariant pp = item->primitiveValueForKey(pricePaid);
+        const QVariant pp = pricePaidReader.read(*item);
         if (pp.isValid() && !pp.isNull())
             paid[item->pricePaidLocale()] += pp.toDouble();
     }

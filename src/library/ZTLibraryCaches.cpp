@@ -86,19 +86,46 @@ QVariantMap ZTLibraryCaches::filterDictionaryForItems(const QList<ZTItem *> &ite
     const QString language = QStringLiteral("language");
     const QString originalLanguage = QStringLiteral("originalLanguage");
 
+    // Keys are resolved once against the kind, then read item after item.
+    auto readersFor = [&items](const QStringList &keys) {
+        QList<ZTItem::KeyReader> readers;
+        const ZTItem *sample = items.isEmpty() ? nullptr : items.first();
+        for (const QString &key : keys) {
+            ZTItem::KeyReader reader;
+            reader.key = key;
+            readers << (sample ? sample->readerForKey(key) : reader);
+        }
+        return readers;
+    };
+    const QList<ZTItem::KeyReader> stringReaders = readersFor(attributes.string);
+    const QList<ZTItem::KeyReader> arrayReaders = readersFor(attributes.array);
+    const QList<ZTItem::KeyReader> numberReaders = readersFor(attributes.number);
+    const QList<ZTItem::KeyReader> booleanReaders = readersFor(attributes.boolean);
+    const qsizetype languageIndex = attributes.string.indexOf(language);
+    const qsizetype originalLanguageIndex = attributes.string.indexOf(originalLanguage);
+    const ZTItem::KeyReader languageReader = readersFor({language}).first();
+    const ZTItem::KeyReader originalLanguageReader = readersFor({originalLanguage}).first();
+
     QStringList seen;
+    QString itemLanguages[2];
     for (ZTItem *item : items) {
         if (!item)
             continue;
-        for (qsizetype k = 0; k < attributes.string.size(); ++k) {
-            const QString value = item->valueForKey(attributes.string[k]).toString();
+        itemLanguages[0].clear();
+        itemLanguages[1].clear();
+        for (qsizetype k = 0; k < stringReaders.size(); ++k) {
+            const QString value = stringReaders[k].read(*item).toString();
+            if (k == languageIndex)
+                itemLanguages[0] = value;
+            else if (k == originalLanguageIndex)
+                itemLanguages[1] = value;
             if (isBlankText(value))
                 ++strings[k].blank;
             else
                 ++strings[k].counts[value];
         }
-        for (qsizetype k = 0; k < attributes.array.size(); ++k) {
-            const QStringList values = ZTItem::variantToStrings(item->valueForKey(attributes.array[k]));
+        for (qsizetype k = 0; k < arrayReaders.size(); ++k) {
+            const QStringList values = ZTItem::variantToStrings(arrayReaders[k].read(*item));
             if (values.isEmpty()) {
                 ++arrays[k].blank;
                 continue;
@@ -116,8 +143,8 @@ QVariantMap ZTLibraryCaches::filterDictionaryForItems(const QList<ZTItem *> &ite
                 }
             }
         }
-        for (qsizetype k = 0; k < attributes.number.size(); ++k) {
-            const QVariant value = item->valueForKey(attributes.number[k]);
+        for (qsizetype k = 0; k < numberReaders.size(); ++k) {
+            const QVariant value = numberReaders[k].read(*item);
             bool ok = false;
             const double number = value.isNull() ? 0.0 : value.toDouble(&ok);
             if (ok)
@@ -125,20 +152,25 @@ QVariantMap ZTLibraryCaches::filterDictionaryForItems(const QList<ZTItem *> &ite
             else
                 ++numbers[k].blank;
         }
-        for (qsizetype k = 0; k < attributes.boolean.size(); ++k) {
-            if (item->valueForKey(attributes.boolean[k]).toBool())
+        for (qsizetype k = 0; k < booleanReaders.size(); ++k) {
+            if (booleanReaders[k].read(*item).toBool())
                 ++booleans[k].first;
             else
                 ++booleans[k].second;
         }
-        const QString borrower = item->lentToName();
-        if (!isBlankText(borrower))
-            people.insert(borrower);
-        for (const QString &key : {language, originalLanguage}) {
-            const QString value = item->valueForKey(key).toString();
+        if (item->isLentOut()) {
+            const QString borrower = item->lentToName();
+            if (!isBlankText(borrower))
+                people.insert(borrower);
+        }
+        // The languages come from the string pass when they are cached keys.
+        if (languageIndex < 0)
+            itemLanguages[0] = languageReader.read(*item).toString();
+        if (originalLanguageIndex < 0)
+            itemLanguages[1] = originalLanguageReader.read(*item).toString();
+        for (const QString &value : itemLanguages)
             if (!isBlankText(value))
                 languages.insert(value);
-        }
     }
 
     QVariantMap result;

@@ -235,6 +235,10 @@ bool ZTMultipleItemEditController::save()
             item->setPrimitiveValueForKey(now, QStringLiteral("dateModified"));
             document.updateOid(item->oid());
         }
+        QStringList oids;
+        for (const ZTItem *item : std::as_const(m_items))
+            oids << item->oid();
+        m_pipeline.itemsDidChange(oids);
         document.updateSmartListsWithItems(m_items);
         m_pipeline.updateMainCaches();
         m_pipeline.updateSubCaches();
@@ -310,11 +314,14 @@ bool ZTClearAttributesController::save()
         if (!item->isLocked())
             unlocked << item;
     const QDateTime now = QDateTime::currentDateTimeUtc();
+    QStringList oids;
     for (ZTItem *item : std::as_const(unlocked)) {
         item->clearAttributes(m_chosen);
         item->setPrimitiveValueForKey(now, QStringLiteral("dateModified"));
         document.updateOid(item->oid());
+        oids << item->oid();
     }
+    m_pipeline.itemsDidChange(oids);
     document.updateSmartListsWithItems(unlocked);
     m_pipeline.updateMainCaches();
     m_pipeline.updateItemStatistics();
