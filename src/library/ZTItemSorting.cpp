@@ -52,7 +52,11 @@ int compareSortValues(const SortValue &a, const SortValue &b)
         return sign(a.text->compare(*b.text));
     if (a.kind == K::Number && b.kind == K::Number)
         return a.number < b.number ? -1 : (a.number > b.number ? 1 : 0);
-    return ZTTextOrder::compareValues(a.other, b.other);
+    if (a.kind == K::Other && b.kind == K::Other)
+        return ZTTextOrder::compareValues(a.other, b.other);
+    // Values of unlike kinds in one column: numbers, then texts, then the rest.
+    auto rank = [](K kind) { return kind == K::Number ? 0 : (kind == K::Text ? 1 : 2); };
+    return rank(a.kind) < rank(b.kind) ? -1 : 1;
 }
 
 SortValue sortValueFor(const QVariant &value)
@@ -60,7 +64,6 @@ SortValue sortValueFor(const QVariant &value)
     SortValue s;
     if (isNil(value))
         return s;
-    s.other = value;
     switch (value.typeId()) {
     case QMetaType::QString:
     case QMetaType::QStringList:
@@ -89,6 +92,7 @@ SortValue sortValueFor(const QVariant &value)
         break;
     default:
         s.kind = SortValue::Kind::Other;
+        s.other = value;
         break;
     }
     return s;
