@@ -423,8 +423,23 @@ void ZTItem::setLentToName(const QString &name)
 {
     if (name.isEmpty() && !lendingContext())
         return;
-    if (ZTLendingContext *lending = ensureLending(this))
+    if (ZTLendingContext *lending = ensureLending(this)) {
         lending->setPrimitiveValueForKey(name, QStringLiteral("name"));
+        lending->updateName();
+    }
+}
+
+QString ZTItem::lentToNameLastNameFirst() const
+{
+    return lendingContext() ? lendingContext()->nameLastNameFirst() : QString();
+}
+
+void ZTItem::setLentOutFlag(const QVariant &flag)
+{
+    if (flag.isValid() && !flag.isNull() && flag.toBool())
+        ensureLending(this);
+    else
+        removeLending();
 }
 
 void ZTItem::setLentToEmail(const QString &email)
@@ -538,6 +553,30 @@ QVariant ZTItem::valueForKey(const QString &key) const
     return ZTManagedObject::valueForKey(key);
 }
 
+ZTItem::KeyReader ZTItem::readerForKey(const QString &key) const
+{
+    KeyReader reader;
+    reader.key = key;
+    reader.entity = entity();
+    const AccessorTable &table = accessors();
+    auto it = table.constFind(key);
+    if (it != table.constEnd() && it->get)
+        reader.get = it->get;
+    else if (entity())
+        reader.slot = entity()->attributeSlot(key);
+    return reader;
+}
+
+QVariant ZTItem::KeyReader::read(const ZTItem &item) const
+{
+    // Items of another kind answer through their own tables.
+    if (item.entity() != entity)
+        return item.valueForKey(key);
+    if (get)
+        return get(item);
+    return slot >= 0 ? item.primitiveValue(slot) : QVariant();
+}
+
 void ZTItem::setValueForKey(const QVariant &value, const QString &key)
 {
     const AccessorTable &table = accessors();
@@ -606,7 +645,25 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                                       return d.isValid() ? QVariant(d) : QVariant();
                                   },
                                   [](ZTItem &i, const QVariant &v) { i.setDateDue(toDateTime(v)); }});
-    t.insert(QStringLiteral("lentOutFlag"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    t.insert(QStringLiteral("lentOutFlag"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); },
+                                             [](ZTItem &i, const QVariant &v) { i.setLentOutFlag(v); }});
+    t.insert(QStringLiteral("lentToNameLastNameFirst"), {[](const ZTItem &i) -> QVariant {
+                                                             const QString s = i.lentToNameLastNameFirst();
+                                                             return s.isEmpty() ? QVariant() : QVariant(s);
+                                                         },
+                                                         nullptr});
+    // The questions the browser, the caches and the cells ask by name.
+    t.insert(QStringLiteral("isLentOut"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    t.insert(QStringLiteral("isLocked"), {[](const ZTItem &i) -> QVariant { return i.isLocked(); }, nullptr});
+    t.insert(QStringLiteral("isOverdue"), {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
+    t.insert(QStringLiteral("isOwned"), {[](const ZTItem &i) -> QVariant { return i.isOwned(); }, nullptr});
+    t.insert(QStringLiteral("isUsed"), {[](const ZTItem &i) -> QVariant { return i.isUsed(); }, nullptr});
+    t.insert(QStringLiteral("isSigned"), {[](const ZTItem &i) -> QVariant { return i.isSigned(); }, nullptr});
+    t.insert(QStringLiteral("firstKeyword"), {[](const ZTItem &i) -> QVariant {
+                                                  const QStringList k = i.keywords();
+                                                  return k.isEmpty() ? QVariant() : QVariant(k.first());
+                                              },
+                                              nullptr});
     // Picture data handed in through a dictionary, kept until the caller takes it.
     t.insert(QStringLiteral("imageSmall"), {&transientGet<&Transient::imageSmall>, &transientSet<&Transient::imageSmall>});
     t.insert(QStringLiteral("imageMedium"), {&transientGet<&Transient::imageMedium>, &transientSet<&Transient::imageMedium>});

@@ -43,6 +43,18 @@ public:
     void setValueForKey(const QVariant &value, const QString &key) override;
     bool hasKey(const QString &key) const;
 
+    // Reading one key of many items of a kind (the view's caches, sorts and
+    // filters): the key is looked up once, then each read is a direct call.
+    // read() answers exactly what valueForKey() would.
+    struct KeyReader {
+        QString key;
+        const ZTEntity *entity = nullptr;
+        QVariant (*get)(const ZTItem &) = nullptr;
+        int slot = -1;
+        QVariant read(const ZTItem &item) const;
+    };
+    KeyReader readerForKey(const QString &key) const;
+
     // Derived values.
     virtual void updateAttributes();
     void updateTitleWithoutLeadingArticle();
@@ -91,6 +103,9 @@ public:
     void setDateLent(const QDateTime &date);
     void setDateDue(const QDateTime &date);
     bool isLentOut() const { return lendingContext() != nullptr; }
+    // True makes an empty loan if there is none; false or nothing ends the loan.
+    void setLentOutFlag(const QVariant &flag);
+    QString lentToNameLastNameFirst() const;
     void removeLending();
 
     // The cover.

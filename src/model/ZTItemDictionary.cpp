@@ -208,16 +208,6 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
     return changed;
 }
 
-void ZTItem::clearAttributes(const QStringList &keys)
-{
-    for (const QString &key : keys) {
-        if (!hasKey(key))
-            continue;
-        setValueForKey(QVariant(), key);
-    }
-    updateAttributes();
-}
-
 ZTItem *ZTItem::clone(ZTManagedObjectContext *target) const
 {
     if (!target || !entity())

@@ -12,4 +12,12 @@ public:
     QDateTime dateLent() const { return primitiveValueForKey(QStringLiteral("dateLent")).toDateTime(); }
     QDateTime dateDue() const { return primitiveValueForKey(QStringLiteral("dateDue")).toDateTime(); }
     ZTLendingContext *clone(ZTManagedObjectContext *target) const;
+
+    // The borrower as lists sort them: "Last, First"; kept in memory only.
+    QString nameLastNameFirst() const { return m_nameLastNameFirst; }
+    void updateName();
+    void awakeFromFetch() override;
+
+private:
+    QString m_nameLastNameFirst;
 };

@@ -20,6 +20,13 @@ int lists(const QStringList &args);
 int listAdd(const QStringList &args);
 int smartAdd(const QStringList &args);
 int listShow(const QStringList &args);
+int items(const QStringList &args);
+int stats(const QStringList &args);
+int columns(const QStringList &args);
+int duplicates(const QStringList &args);
+int unlisted(const QStringList &args);
+int lend(const QStringList &args);
+int returnItem(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -73,6 +80,14 @@ const ZTCli::Command s_commands[] = {
      "      MM-dd-yyyy or yyyy-MM-dd, none for yes/no rules ('Signed|is set')",
      &ZTCliCommands::smartAdd},
     {"list-show", "PATH NAME [--json]", "print a list's description and its member oids", &ZTCliCommands::listShow},
+    {"items", "PATH [--list NAME] [--search TEXT] [--filter 'Label=Value'] [--sort KEY[:desc],...] [--columns KEY,...] [--json]",
+     "print the items a window would show (oid and columns, tab-separated)", &ZTCliCommands::items},
+    {"stats", "PATH [--list NAME]", "print the statistics line of the library or a list", &ZTCliCommands::stats},
+    {"columns", "PATH", "list the column labels and keys of the library's kind", &ZTCliCommands::columns},
+    {"duplicates", "PATH", "make a list \"Duplicates\" of items that share a code", &ZTCliCommands::duplicates},
+    {"unlisted", "PATH", "make a list \"Unlisted\" of items that are in no list", &ZTCliCommands::unlisted},
+    {"lend", "PATH OID --to NAME [--email E] [--due YYYY-MM-DD]", "record a loan", &ZTCliCommands::lend},
+    {"return", "PATH OID", "record that a lent item came back", &ZTCliCommands::returnItem},
 };
 } // namespace
 

@@ -1,0 +1,135 @@
+#include "library/ZTSearchIndex.h"
+
+#include "library/ZTItemTable.h"
+#include "model/ZTItem.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr QChar s_separator(0x1F);
+
+// What each kind's search looks at beyond the common attributes: single
+// values first, then lists of names.
+struct KindFields {
+    QStringList values;
+    QStringList lists;
+};
+
+const KindFields &kindFields(ZTMediaKind kind)
+{
+    static const KindFields book{{"publisher", "locClassification", "isbn", "lccn"},
+                                 {"authors", "locSubjects"}};
+    static const KindFields album{{"label", "upc", "asin"}, {"artists", "tracks"}};
+    static const KindFields movie{{"studio", "upc", "asin"}, {"directors", "actors", "roles"}};
+    static const KindFields comic{{"gcdn", "cbdbn", "isbn", "upc", "publisher"},
+                                  {"stories", "artists", "characters"}};
+    switch (kind) {
+    case ZTMediaKind::Book:
+        return book;
+    case ZTMediaKind::Album:
+        return album;
+    case ZTMediaKind::Movie:
+        return movie;
+    case ZTMediaKind::Comic:
+        return comic;
+    }
+    return book;
+}
+
+const QStringList &commonValues()
+{
+    static const QStringList keys{
+        "title",    "genre", "source", "format", "notes", "condition", "productDescription",
+        "location", "series"};
+    return keys;
+}
+
+} // namespace
+
+QString ZTSearchIndex::searchableText(const ZTItem &item)
+{
+    QString text;
+    auto add = [&text](const QString &part) {
+        text += part;
+        text += s_separator;
+    };
+    for (const QString &key : commonValues())
+        add(item.primitiveValueForKey(key).toString());
+    add(item.keywords().join(QLatin1Char(' ')));
+    const KindFields &fields = kindFields(item.mediaKind());
+    for (const QString &key : fields.values)
+        add(item.primitiveValueForKey(key).toString());
+    for (const QString &key : fields.lists)
+        add(ZTItem::variantToStrings(item.valueForKey(key)).join(QLatin1Char(' ')));
+    return text.toCaseFolded();
+}
+
+QByteArray ZTSearchIndex::foldedNeedle(const QString &text)
+{
+    return text.isEmpty() || text.contains(s_separator) ? QByteArray() : text.toCaseFolded().toUtf8();
+}
+
+int ZTSearchIndex::slotForOid(const ZTItemTable &table, const QString &oid)
+{
+    auto it = m_slots.constFind(oid);
+    if (it != m_slots.constEnd())
+        return *it;
+    const ZTItem *item = table.item(oid);
+    if (!item)
+        return -1;
+    const int slot = int(m_texts.size());
+    m_slots.insert(oid, slot);
+    m_oids.push_back(oid);
+    m_texts.push_back(searchableText(*item).toUtf8());
+    m_stale.push_back(false);
+    return slot;
+}
+
+std::vector<int> ZTSearchIndex::slotsForOids(const ZTItemTable &table, const QStringList &oids)
+{
+    // The same list as last time, unchanged: its rowSlots are known.
+    if (oids.isSharedWith(m_lastOids) && oids.size() == qsizetype(m_lastSlots.size()))
+        return m_lastSlots;
+    std::vector<int> rowSlots;
+    rowSlots.reserve(size_t(oids.size()));
+    for (const QString &oid : oids)
+        rowSlots.push_back(slotForOid(table, oid));
+    m_lastOids = oids;
+    m_lastSlots = rowSlots;
+    return rowSlots;
+}
+
+bool ZTSearchIndex::contains(const ZTItemTable &table, int slot, const QByteArray &needle)
+{
+    if (slot < 0 || size_t(slot) >= m_texts.size())
+        return false;
+    if (m_stale[size_t(slot)]) {
+        const ZTItem *item = table.item(m_oids[size_t(slot)]);
+        m_texts[size_t(slot)] = item ? searchableText(*item).toUtf8() : QByteArray();
+        m_stale[size_t(slot)] = false;
+    }
+    const QByteArray &text = m_texts[size_t(slot)];
+    // UTF-8 is self-synchronising, so a byte match is a character match.
+    return memmem(text.constData(), size_t(text.size()), needle.constData(), size_t(needle.size())) !=
+           nullptr;
+}
+
+void ZTSearchIndex::invalidate()
+{
+    m_slots.clear();
+    m_oids.clear();
+    m_texts.clear();
+    m_stale.clear();
+    m_lastOids.clear();
+    m_lastSlots.clear();
+}
+
+void ZTSearchIndex::invalidate(const QStringList &oids)
+{
+    for (const QString &oid : oids) {
+        auto it = m_slots.constFind(oid);
+        if (it != m_slots.constEnd())
+            m_stale[size_t(*it)] = true;
+    }
+}

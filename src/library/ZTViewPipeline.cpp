@@ -1,0 +1,470 @@
+#include "library/ZTViewPipeline.h"
+
+#include "library/ZTAttributeTables.h"
+#include "library/ZTContacts.h"
+#include "library/ZTDocument.h"
+#include "library/ZTItemStatistics.h"
+#include "library/ZTItemTable.h"
+#include "library/ZTTextOrder.h"
+#include "lists/ZTList.h"
+#include "model/ZTItem.h"
+#include "scan/ZTCodeFormatter.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("Localizable", text);
+}
+
+bool isBlank(const QVariant &value)
+{
+    if (!value.isValid() || value.isNull())
+        return true;
+    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList)
+        return value.toList().isEmpty();
+    if (value.typeId() == QMetaType::QString)
+        return value.toString().trimmed().isEmpty();
+    return false;
+}
+} // namespace
+
+ZTViewPipeline::ZTViewPipeline(ZTDocument &document)
+    : m_document(document),
+      m_statisticsDisplayDictionary(ZTItemStatistics::statisticsDisplayDictionaryFromSettings())
+{
+    m_subCaches = ZTLibraryCaches::empty(document.attributeTables().cacheableAttributesDictionary());
+}
+
+QString ZTViewPipeline::noneLabel()
+{
+    return tr("<none>");
+}
+QString ZTViewPipeline::yesLabel()
+{
+    return tr("Yes");
+}
+QString ZTViewPipeline::noLabel()
+{
+    return tr("No");
+}
+
+// ---- the list table ----
+
+ZTList *ZTViewPipeline::selectedList() const
+{
+    const QList<ZTList *> &lists = m_document.itemLists();
+    if (m_selectedListRow >= 1 && m_selectedListRow <= lists.size())
+        return lists[m_selectedListRow - 1];
+    return m_document.mainList();
+}
+
+bool ZTViewPipeline::isMainListSelected() const
+{
+    return m_selectedListRow < 1 || m_selectedListRow > m_document.itemLists().size();
+}
+
+void ZTViewPipeline::selectListRow(int row)
+{
+    m_selectedListRow = row;
+    clearSearch();
+    updateSubCaches();
+    updateItemStatistics();
+    // A chosen browser value applies to the new list at once.
+    if (!m_browserValue.isEmpty())
+        itemBrowserChanged(m_browserFilter, m_browserValue);
+    else
+        m_subItemOids.clear();
+    updateItemStatistics();
+}
+
+// ---- oid sources ----
+
+QStringList ZTViewPipeline::rowsOfList() const
+{
+    ZTList *list = selectedList();
+    return list ? list->itemOids() : QStringList();
+}
+
+QStringList ZTViewPipeline::baseOids() const
+{
+    return m_usingSearch ? m_searchedItemOids : rowsOfList();
+}
+
+QStringList ZTViewPipeline::displayedOids() const
+{
+    return m_tab == Tab::Main ? baseOids() : m_subItemOids;
+}
+
+QList<ZTItem *> ZTViewPipeline::itemsOfOids(const QStringList &oids) const
+{
+    return m_document.itemsForOids(oids);
+}
+
+QList<ZTItem *> ZTViewPipeline::baseItems() const
+{
+    return itemsOfOids(baseOids());
+}
+
+QStringList *ZTViewPipeline::arrayBehindView(ZTList **list)
+{
+    if (list)
+        *list = nullptr;
+    if (m_tab == Tab::Filter)
+        return &m_subItemOids;
+    if (m_usingSearch)
+        return &m_searchedItemOids;
+    if (list)
+        *list = selectedList();
+    return nullptr;
+}
+
+// ---- caches ----
+
+QVariantMap ZTViewPipeline::filterDictionaryForList(const ZTList &list) const
+{
+    return ZTLibraryCaches::filterDictionaryForItems(
+        m_document.itemsForOids(list.itemOids()),
+        m_document.attributeTables().cacheableAttributesDictionary(),
+        ZTContacts::shared().peopleFromAddressBook());
+}
+
+void ZTViewPipeline::updateMainCaches()
+{
+    const ZTCacheableAttributes &attributes = m_document.attributeTables().cacheableAttributesDictionary();
+    if (ZTList *main = m_document.mainList())
+        m_mainCaches = ZTLibraryCaches::fromFilterDictionary(filterDictionaryForList(*main), attributes,
+                                                             ZTLibraryCaches::Target::Main);
+    else
+        m_mainCaches = ZTLibraryCaches::empty(attributes);
+}
+
+void ZTViewPipeline::updateSubCaches()
+{
+    const ZTCacheableAttributes &attributes = m_document.attributeTables().cacheableAttributesDictionary();
+    if (isMainListSelected())
+        m_subCaches = ZTLibraryCaches::empty(attributes);
+    else
+        m_subCaches = ZTLibraryCaches::fromFilterDictionary(filterDictionaryForList(*selectedList()),
+                                                            attributes, ZTLibraryCaches::Target::Sub);
+}
+
+const QVariantMap &ZTViewPipeline::baseTagDictionary() const
+{
+    return isMainListSelected() ? m_mainCaches.tagDictionary() : m_subCaches.tagDictionary();
+}
+
+// ---- statistics ----
+
+QString ZTViewPipeline::itemStatisticsStringForOids(const QStringList &oids) const
+{
+    return ZTItemStatistics::itemStatisticsStringForOids(m_document, oids, m_statisticsDisplayDictionary);
+}
+
+void ZTViewPipeline::updateItemStatistics()
+{
+    m_totalItemCount = m_document.mainList() ? m_document.mainList()->count() : 0;
+    m_itemStatistics = itemStatisticsStringForOids(displayedOids());
+}
+
+void ZTViewPipeline::setStatisticsDisplayDictionary(const QVariantMap &display)
+{
+    if (display == m_statisticsDisplayDictionary)
+        return;
+    m_statisticsDisplayDictionary = display;
+    updateItemStatistics();
+}
+
+// ---- search ----
+
+int ZTViewPipeline::controlTextDidChange(const QString &text)
+{
+    const QString lowered = text.toLower();
+    QString searchText = lowered;
+    if (lowered.isEmpty()) {
+        m_searchedItemOids.clear();
+        m_usingSearch = false;
+        updateItemStatistics();
+    } else {
+        if (!m_usingSearch)
+            m_tab = Tab::Main;
+        m_usingSearch = true;
+        bool converted = false;
+        if (ZTCodeFormatter::isValidEAN(lowered, QStringLiteral("978"))) {
+            const QString isbn = ZTCodeFormatter::isbnFromEAN(lowered);
+            if (!isbn.isEmpty()) {
+                searchText = isbn.toLower();
+                converted = true;
+            }
+        }
+        // One more letter at the end can only narrow what is already found.
+        const bool narrows = lowered.size() >= 2 && lowered.size() == m_searchString.size() + 1 &&
+                             lowered.startsWith(m_searchString) && !converted;
+        const QStringList candidates = narrows ? m_searchedItemOids : rowsOfList();
+        const ZTItemTable table(m_document);
+        const QByteArray needle = ZTSearchIndex::foldedNeedle(searchText);
+        // A narrowing keystroke knows the slots of what it narrows.
+        const std::vector<int> rowSlots = narrows && m_searchedItemOids.isSharedWith(m_searchedSnapshot)
+                                              ? m_searchedSlots
+                                              : m_searchIndex.slotsForOids(table, candidates);
+        QStringList found;
+        std::vector<int> foundSlots;
+        for (qsizetype i = 0; i < candidates.size(); ++i) {
+            bool match = false;
+            if (!needle.isEmpty())
+                match = m_searchIndex.contains(table, rowSlots[size_t(i)], needle);
+            else if (const ZTItem *item = table.item(candidates[i]))
+                match = item->containsString(searchText);
+            if (match) {
+                found << candidates[i];
+                foundSlots.push_back(rowSlots[size_t(i)]);
+            }
+        }
+        m_searchedSlots = std::move(foundSlots);
+        m_searchedSnapshot = found;
+        m_searchedItemOids = found;
+        updateItemStatistics();
+    }
+    m_searchString = searchText;
+    return displayedOids().isEmpty() ? -1 : 0;
+}
+
+void ZTViewPipeline::clearSearch()
+{
+    m_searchedItemOids.clear();
+    m_searchString.clear();
+    m_usingSearch = false;
+}
+
+// ---- filter browser ----
+
+QStringList ZTViewPipeline::filterKeys() const
+{
+    return m_document.attributeTables().filterKeys();
+}
+
+QStringList ZTViewPipeline::browserValues(const QString &filterLabel) const
+{
+    const ZTFilter *filter = m_document.attributeTables().filter(filterLabel);
+    if (!filter)
+        return {};
+    if (filter->type == QLatin1String("boolean"))
+        return {yesLabel(), noLabel()};
+    const ZTLibraryCaches &caches = isMainListSelected() ? m_mainCaches : m_subCaches;
+    QStringList values;
+    if (!filter->prohibitNone)
+        values << noneLabel();
+    values << caches.stringValues(filter->key2.isEmpty() ? filter->key : filter->key2);
+    return values;
+}
+
+bool ZTViewPipeline::itemMatchesFilter(const ZTItem &item, const ZTFilter &filter, const QString &value)
+{
+    return valueMatchesFilter(item.valueForKey(filter.key2.isEmpty() ? filter.key : filter.key2), filter,
+                              value);
+}
+
+bool ZTViewPipeline::valueMatchesFilter(const QVariant &itemValue, const ZTFilter &filter,
+                                        const QString &value)
+{
+    if (filter.type == QLatin1String("boolean"))
+        return itemValue.toBool() == (value == yesLabel());
+    if (value == noneLabel())
+        return isBlank(itemValue);
+    if (filter.type == QLatin1String("rating") || filter.type == QLatin1String("integer")) {
+        bool ok = false;
+        const double wanted = value.toDouble(&ok);
+        return ok && !isBlank(itemValue) && itemValue.toDouble() == wanted;
+    }
+    if (filter.toMany)
+        return ZTItem::variantToStrings(itemValue).contains(value);
+    return !isBlank(itemValue) && itemValue.toString() == value;
+}
+
+void ZTViewPipeline::itemBrowserChanged(const QStringList &path)
+{
+    itemBrowserChanged(path.value(0), path.value(1));
+}
+
+void ZTViewPipeline::itemBrowserChanged(const QString &filterLabel, const QString &value)
+{
+    m_browserFilter = filterLabel;
+    m_browserValue = value;
+    m_subItemOids.clear();
+    const ZTFilter *filter = m_document.attributeTables().filter(filterLabel);
+    if (!filter || value.isEmpty())
+        return;
+    const ZTItemTable table(m_document);
+    const ZTItem::KeyReader reader = table.reader(filter->key2.isEmpty() ? filter->key : filter->key2);
+    for (const QString &oid : rowsOfList()) {
+        const ZTItem *item = table.item(oid);
+        if (item && valueMatchesFilter(reader.read(*item), *filter, value))
+            m_subItemOids << oid;
+    }
+}
+
+QVariantMap ZTViewPipeline::filterCountDictionary() const
+{
+    const ZTFilter *filter = m_document.attributeTables().filter(m_browserFilter);
+    if (!filter)
+        return {};
+    const ZTLibraryCaches &caches = isMainListSelected() ? m_mainCaches : m_subCaches;
+    const QString key = filter->key2.isEmpty() ? filter->key : filter->key2;
+    QVariantList counts;
+    if (filter->type == QLatin1String("boolean")) {
+        counts << caches.count(key, ZTCacheKey::yes) << caches.count(key, ZTCacheKey::no);
+    } else {
+        if (!filter->prohibitNone)
+            counts << caches.count(key, ZTCacheKey::emptyTag);
+        for (const QString &value : caches.stringValues(key))
+            counts << caches.count(key, value);
+    }
+    int max = 0;
+    double sum = 0;
+    for (const QVariant &c : std::as_const(counts)) {
+        max = std::max(max, c.toInt());
+        sum += c.toInt();
+    }
+    return {{QStringLiteral("counts"), counts},
+            {QStringLiteral("max"), max},
+            {QStringLiteral("average"), counts.isEmpty() ? 0.0 : sum / double(counts.size())}};
+}
+
+// ---- type-ahead ----
+
+int ZTViewPipeline::stringsTypeAhead(const QStringList &strings, const QString &text)
+{
+    if (text.isEmpty() || strings.isEmpty())
+        return -1;
+    for (int i = 0; i < strings.size(); ++i)
+        if (ZTTextOrder::compare(strings[i], text) >= 0)
+            return i;
+    return int(strings.size()) - 1;
+}
+
+int ZTViewPipeline::listTableTypeAhead(const QString &text) const
+{
+    const QList<ZTList *> &lists = m_document.itemLists();
+    if (text.isEmpty() || lists.isEmpty())
+        return -1;
+    struct Row {
+        QString name;
+        int row;
+    };
+    QList<Row> rows{{tr("Library"), 0}};
+    for (int i = 0; i < lists.size(); ++i)
+        rows.append({lists[i]->name(), i + 1});
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const Row &a, const Row &b) { return ZTTextOrder::compare(a.name, b.name) < 0; });
+    for (const Row &row : std::as_const(rows))
+        if (ZTTextOrder::compare(row.name, text) >= 0)
+            return row.row;
+    return rows.last().row;
+}
+
+QString ZTViewPipeline::typeAheadObjectValue(const QString &column, const QString &oid) const
+{
+    const ZTItem *item = m_document.itemForOid(oid);
+    if (!item)
+        return {};
+    const ZTAttributeTables &tables = m_document.attributeTables();
+    const ZTCellReader *entry = tables.typeAheadEntry(column);
+    const ZTCellReader reader = entry ? *entry : tables.tableViewEntry(column);
+    if (column == QLatin1String("cover") || reader.type == QLatin1String("image"))
+        return {};
+    const QVariant value = item->valueForKey(reader.key.isEmpty() ? column : reader.key);
+    if (reader.type == QLatin1String("boolean"))
+        return value.toBool() ? yesLabel() : noLabel();
+    if (reader.toMany)
+        return ZTItem::variantToStrings(value).join(QLatin1Char(' '));
+    return value.toString();
+}
+
+int ZTViewPipeline::itemTableTypeAhead(const QString &text) const
+{
+    if (text.isEmpty() || m_sortEntries.isEmpty())
+        return -1;
+    const ZTSortEntry &first = m_sortEntries.first();
+    const QString column = m_document.attributeTables().columnForSortKey(first.columnIdentifier);
+    const QStringList oids = displayedOids();
+    if (oids.isEmpty())
+        return -1;
+    for (int row = 0; row < oids.size(); ++row) {
+        const int r = ZTTextOrder::compare(typeAheadObjectValue(column, oids[row]), text);
+        if (first.ascending ? r >= 0 : r <= 0)
+            return row;
+    }
+    return int(oids.size()) - 1;
+}
+
+// ---- sorting ----
+
+bool ZTViewPipeline::didClickTableColumn(const QString &column, int index, bool control,
+                                         const QString &releasedColumn)
+{
+    if (column == QLatin1String("cover"))
+        return false;
+    if (!releasedColumn.isEmpty() && releasedColumn != column)
+        return false;
+    const QString sortKey = m_document.attributeTables().sortKeyForColumn(column);
+    auto existing = std::find_if(m_sortEntries.begin(), m_sortEntries.end(),
+                                 [&](const ZTSortEntry &e) { return e.columnIdentifier == sortKey; });
+    if (control) {
+        if (existing != m_sortEntries.end())
+            existing->ascending = !existing->ascending;
+        else
+            m_sortEntries.append({sortKey, true, index});
+    } else {
+        const bool ascending = existing != m_sortEntries.end() ? !existing->ascending : true;
+        m_sortEntries = {{sortKey, ascending, index}};
+    }
+    sortDisplayedOids();
+    return true;
+}
+
+void ZTViewPipeline::setSortEntries(const QList<ZTSortEntry> &entries)
+{
+    m_sortEntries = entries;
+    sortDisplayedOids();
+}
+
+void ZTViewPipeline::sortDisplayedOids()
+{
+    ZTList *list = nullptr;
+    if (QStringList *array = arrayBehindView(&list)) {
+        ZTItemSorting::sortOids(m_document, *array, m_sortEntries);
+        return;
+    }
+    if (!list)
+        return;
+    // A list's order is stored with it, so sorting it is a change to the library.
+    QStringList oids = list->itemOids();
+    ZTItemSorting::sortOids(m_document, oids, m_sortEntries);
+    list->setItemOids(oids);
+    m_document.updateChangeCount(ZTDocument::ChangeType::Done);
+}
+
+void ZTViewPipeline::clickListTableHeader()
+{
+    m_listSortFlag = ZTItemSorting::sortLists(m_document.mutableItemLists(), m_listSortFlag);
+    m_document.updateChangeCount(ZTDocument::ChangeType::Done);
+}
+
+// ---- stepping ----
+
+QString ZTViewPipeline::nextOid(const QString &oid) const
+{
+    const QStringList oids = displayedOids();
+    const qsizetype at = oids.indexOf(oid);
+    return at >= 0 && at + 1 < oids.size() ? oids[at + 1] : QString();
+}
+
+QString ZTViewPipeline::previousOid(const QString &oid) const
+{
+    const QStringList oids = displayedOids();
+    const qsizetype at = oids.indexOf(oid);
+    return at > 0 ? oids[at - 1] : QString();
+}

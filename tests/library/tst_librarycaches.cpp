@@ -1,0 +1,161 @@
+#include "library/ZTAttributeTables.h"
+#include "library/ZTLibraryCaches.h"
+#include "library/ZTViewPipeline.h"
+
+#include "ZTLibraryFixture.h"
+
+#include <QtTest>
+
+namespace {
+ZTCacheableAttributes smallAttributes()
+{
+    ZTCacheableAttributes a;
+    a.string = {QStringLiteral("genre")};
+    a.array = {QStringLiteral("keywords")};
+    a.number = {QStringLiteral("rating")};
+    a.boolean = {QStringLiteral("isSigned")};
+    a.all = a.string + a.array + a.number + a.boolean;
+    return a;
+}
+} // namespace
+
+class TestLibraryCaches : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void fromAFilterDictionaryWithTextCounts();
+    void subCachesKeepNoPeople();
+    void blankRules_data();
+    void blankRules();
+    void numbersSortByValue();
+    void personNameJoinsContactsAndBorrowers();
+    void subListCachesOnlyTheirItems();
+};
+
+void TestLibraryCaches::fromAFilterDictionaryWithTextCounts()
+{
+    // Counts arrive as decimal texts, as a list's filter dictionary keeps them.
+    const QVariantMap filter{
+        {QStringLiteral("genre"), QVariantList{QStringLiteral("art"), QStringLiteral("Drama")}},
+        {QStringLiteral("keywords"), QVariantList{}},
+        {QStringLiteral("rating"), QVariantList{0, 3}},
+        {ZTCacheKey::count,
+         QVariantMap{
+             {QStringLiteral("genre"), QVariantMap{{QStringLiteral("art"), QStringLiteral("2")},
+                                                   {QStringLiteral("Drama"), QStringLiteral("5")},
+                                                   {ZTCacheKey::emptyTag, QStringLiteral("1")}}},
+             {QStringLiteral("rating"), QVariantMap{{QStringLiteral("0"), 4}, {QStringLiteral("3"), 1}}},
+             {QStringLiteral("isSigned"), QVariantMap{{QStringLiteral("Yes"), QStringLiteral("1")}}}}},
+        {ZTCacheKey::personName, QStringList{QStringLiteral("Ann Lee")}}};
+    const ZTLibraryCaches caches =
+        ZTLibraryCaches::fromFilterDictionary(filter, smallAttributes(), ZTLibraryCaches::Target::Main);
+    QCOMPARE(caches.stringValues(QStringLiteral("genre")), (QStringList{"art", "Drama"}));
+    QCOMPARE(caches.count(QStringLiteral("genre"), QStringLiteral("Drama")), 5);
+    QCOMPARE(caches.count(QStringLiteral("genre"), ZTCacheKey::emptyTag), 1);
+    const QVariantList tags = caches.tagDictionary().value(QStringLiteral("genre")).toList();
+    QCOMPARE(tags.size(), 2); // the blank tag is counted apart, not listed
+    QCOMPARE(tags.at(1).toMap().value(ZTCacheKey::tag).toString(), QStringLiteral("Drama"));
+    QCOMPARE(tags.at(1).toMap().value(ZTCacheKey::tagCount).toInt(), 5);
+    QCOMPARE(caches.count(QStringLiteral("rating"), QStringLiteral("0")), 4);
+    // Booleans always show both tags, a missing count as 0.
+    QCOMPARE(caches.stringValues(QStringLiteral("isSigned")), (QStringList{"Yes", "No"}));
+    QCOMPARE(caches.count(QStringLiteral("isSigned"), QStringLiteral("No")), 0);
+    QVERIFY(caches.values(QStringLiteral("keywords")).isEmpty());
+    QCOMPARE(caches.cacheDictionary().value(ZTCacheKey::personName).toStringList(), QStringList{"Ann Lee"});
+}
+
+void TestLibraryCaches::subCachesKeepNoPeople()
+{
+    const QVariantMap filter{{ZTCacheKey::personName, QStringList{QStringLiteral("Ann Lee")}}};
+    const ZTLibraryCaches caches =
+        ZTLibraryCaches::fromFilterDictionary(filter, smallAttributes(), ZTLibraryCaches::Target::Sub);
+    QVERIFY(!caches.cacheDictionary().contains(ZTCacheKey::personName));
+    QVERIFY(caches.cacheDictionary().contains(QStringLiteral("genre")));
+}
+
+void TestLibraryCaches::blankRules_data()
+{
+    QTest::addColumn<QVariantMap>("dictionary");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::addColumn<int>("count");
+    QTest::newRow("empty keywords count once as blank")
+        << QVariantMap{{"keywords", QStringList{}}} << "keywords" << ZTCacheKey::emptyTag << 1;
+    QTest::newRow("two equal keywords count once")
+        << QVariantMap{{"keywords", QStringList{"sea", "sea"}}} << "keywords"
+        << "sea" << 1;
+    QTest::newRow("white space is blank")
+        << QVariantMap{{"genre", " \t"}} << "genre" << ZTCacheKey::emptyTag << 1;
+    QTest::newRow("a rating of 0 is a value") << QVariantMap{{"rating", 0}} << "rating"
+                                              << "0" << 1;
+    QTest::newRow("no rating given is still 0") << QVariantMap{} << "rating"
+                                                << "0" << 1;
+    QTest::newRow("false counts as No") << QVariantMap{{"signedFlag", false}} << "isSigned"
+                                        << "No" << 1;
+    QTest::newRow("true counts as Yes") << QVariantMap{{"signedFlag", true}} << "isSigned"
+                                        << "Yes" << 1;
+    QTest::newRow("missing year is blank") << QVariantMap{} << "year" << ZTCacheKey::emptyTag << 1;
+}
+
+void TestLibraryCaches::blankRules()
+{
+    QFETCH(QVariantMap, dictionary);
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    QFETCH(int, count);
+    ZTLibraryFixture f;
+    dictionary.insert(QStringLiteral("title"), QStringLiteral("x"));
+    f.add(dictionary);
+    ZTViewPipeline p(f.document());
+    p.updateMainCaches();
+    QCOMPARE(p.mainCaches().count(key, value), count);
+    QVERIFY(!p.mainCaches().stringValues(key).contains(ZTCacheKey::emptyTag));
+}
+
+void TestLibraryCaches::numbersSortByValue()
+{
+    ZTLibraryFixture f;
+    for (int copies : {10, 9, 100})
+        f.add({{QStringLiteral("title"), QStringLiteral("x")}, {QStringLiteral("copies"), copies}});
+    ZTViewPipeline p(f.document());
+    p.updateMainCaches();
+    QCOMPARE(p.mainCaches().stringValues(QStringLiteral("copies")), (QStringList{"9", "10", "100"}));
+}
+
+void TestLibraryCaches::personNameJoinsContactsAndBorrowers()
+{
+    ZTLibraryFixture f;
+    f.add({{QStringLiteral("title"), QStringLiteral("x")},
+           {QStringLiteral("lentToName"), QStringLiteral("bo Day")}});
+    f.add({{QStringLiteral("title"), QStringLiteral("y")},
+           {QStringLiteral("lentToName"), QStringLiteral("Ann Lee")},
+           {QStringLiteral("language"), QStringLiteral("French")},
+           {QStringLiteral("originalLanguage"), QStringLiteral("German")}});
+    const QVariantMap filter = ZTLibraryCaches::filterDictionaryForItems(
+        f.document().allItems(), f.document().attributeTables().cacheableAttributesDictionary(),
+        {QStringLiteral("Cy Twombly"), QStringLiteral("Ann Lee")});
+    QCOMPARE(filter.value(ZTCacheKey::personName).toStringList(),
+             (QStringList{"Ann Lee", "bo Day", "Cy Twombly"}));
+    QCOMPARE(filter.value(ZTCacheKey::allLanguages).toStringList(), (QStringList{"French", "German"}));
+}
+
+void TestLibraryCaches::subListCachesOnlyTheirItems()
+{
+    ZTLibraryFixture f;
+    ZTItem *a = f.add({{QStringLiteral("title"), QStringLiteral("a")},
+                       {QStringLiteral("genre"), QStringLiteral("Poetry")}});
+    f.add(
+        {{QStringLiteral("title"), QStringLiteral("b")}, {QStringLiteral("genre"), QStringLiteral("Drama")}});
+    f.addList(QStringLiteral("L"), {a->oid()});
+    ZTViewPipeline p(f.document());
+    p.updateMainCaches();
+    p.selectListRow(1);
+    QCOMPARE(p.subCaches().stringValues(QStringLiteral("genre")), QStringList{"Poetry"});
+    QCOMPARE(p.mainCaches().stringValues(QStringLiteral("genre")), (QStringList{"Drama", "Poetry"}));
+    QCOMPARE(&p.baseTagDictionary(), &p.subCaches().tagDictionary());
+    p.selectListRow(0);
+    QVERIFY(p.subCaches().stringValues(QStringLiteral("genre")).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestLibraryCaches)
+#include "tst_librarycaches.moc"
