@@ -23,8 +23,8 @@ void ZTAlbum::setTracks(const QStringList &names)
 
 void ZTAlbum::decodeBlobs()
 {
-    m_artistOids = decodeOidBlob(s_artistData);
-    m_trackOids = decodeOidBlob(s_trackData);
+    m_artistOids = decodeOidBlob(s_artistData, s_artistEntity);
+    m_trackOids = decodeOidBlob(s_trackData, s_trackEntity);
 }
 
 QStringList ZTAlbum::indexKeysSingle() const

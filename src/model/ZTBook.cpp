@@ -100,8 +100,8 @@ void ZTBook::updateAttributes()
 
 void ZTBook::decodeBlobs()
 {
-    m_authorRoleOids = decodeOidBlob(s_authorData);
-    m_subjectOids = decodeOidBlob(s_subjectData);
+    m_authorRoleOids = decodeOidBlob(s_authorData, QLatin1String(s_roles.roleEntity));
+    m_subjectOids = decodeOidBlob(s_subjectData, s_subjectEntity);
 }
 
 QStringList ZTBook::indexKeysSingle() const

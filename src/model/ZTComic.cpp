@@ -136,9 +136,9 @@ void ZTComic::updateAttributes()
 
 void ZTComic::decodeBlobs()
 {
-    m_storyOids = decodeOidBlob(s_storyData);
-    m_artistRoleOids = decodeOidBlob(s_artistData);
-    m_characterRoleOids = decodeOidBlob(s_characterData);
+    m_storyOids = decodeOidBlob(s_storyData, s_storyEntity);
+    m_artistRoleOids = decodeOidBlob(s_artistData, QLatin1String(ZTRoleEntities::artist.roleEntity));
+    m_characterRoleOids = decodeOidBlob(s_characterData, QLatin1String(ZTRoleEntities::character.roleEntity));
 }
 
 QStringList ZTComic::indexKeysSingle() const

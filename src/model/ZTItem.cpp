@@ -107,7 +107,7 @@ void ZTItem::awakeFromInsert()
 
 void ZTItem::awakeFromFetch()
 {
-    m_keywordOids = decodeOidBlob(s_toKeywordData);
+    m_keywordOids = decodeOidBlob(s_toKeywordData, s_keywordEntity);
     decodeBlobs();
     ZTManagedObjectContext *context = managedObjectContext();
     // Rows from older versions may lack a currency; giving them one is a change.
@@ -118,12 +118,24 @@ void ZTItem::awakeFromFetch()
     updateAttributes();
 }
 
-QStringList ZTItem::decodeOidBlob(const QString &blobKey) const
+QStringList ZTItem::decodeOidBlob(const QString &blobKey, const QString &entityName)
 {
     const QByteArray data = primitiveValueForKey(blobKey).toByteArray();
+    forgetPrimitiveValueForKey(blobKey);
     if (data.isEmpty())
         return {};
-    return ZTPropertyList::stringArray(data);
+    QStringList oids = ZTPropertyList::stringArray(data);
+    if (ZTManagedObjectContext *context = managedObjectContext()) {
+        const auto table = context->oidObjectDictionary().constFind(entityName);
+        if (table != context->oidObjectDictionary().constEnd()) {
+            for (QString &oid : oids) {
+                const auto row = table->constFind(oid);
+                if (row != table->constEnd())
+                    oid = row.key();
+            }
+        }
+    }
+    return oids;
 }
 
 void ZTItem::storeOidArray(QStringList &member, const QStringList &oids, const QString &blobKey)
@@ -131,7 +143,26 @@ void ZTItem::storeOidArray(QStringList &member, const QStringList &oids, const Q
     if (ZTManagedObjectContext *context = managedObjectContext(); context && member != oids)
         context->noteSharedNamesChanged();
     member = oids;
-    setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(oids), blobKey);
+    touchPrimitiveValueForKey(blobKey);
+    for (const auto &pending : m_unwrittenArrays)
+        if (pending.first == &blobKey)
+            return;
+    m_unwrittenArrays.emplace_back(&blobKey, &member);
+}
+
+void ZTItem::willSave()
+{
+    for (const auto &[key, oids] : m_unwrittenArrays)
+        setPrimitiveValueForKey(ZTPropertyList::serializeStringArray(*oids), *key);
+    m_unwrittenArrays.clear();
+    m_unwrittenArrays.shrink_to_fit();
+}
+
+void ZTItem::didSave()
+{
+    for (const char *key : {"toKeywordData", "toAuthorData", "toSubjectData", "toArtistData", "toTrackData",
+                            "toDirectorData", "toActorRoleData", "toStoryData", "toCharacterData"})
+        forgetPrimitiveValueForKey(QLatin1String(key));
 }
 
 // ---- derived values ----

@@ -196,8 +196,14 @@ protected:
     virtual bool kindContainsString(const QString &text) const = 0;
     virtual void decodeBlobs() = 0;
 
+    // Name arrays live in memory as oid lists; their stored bytes are written
+    // just before the row is and dropped again after, so a large library keeps
+    // one copy. `blobKey` must outlive the item (a file-level constant).
     void storeOidArray(QStringList &member, const QStringList &oids, const QString &blobKey);
-    QStringList decodeOidBlob(const QString &blobKey) const;
+    // Reads the stored bytes, sharing each oid's text with the row it names.
+    QStringList decodeOidBlob(const QString &blobKey, const QString &entityName);
+    void willSave() override;
+    void didSave() override;
     void setDate(const QString &key, const QVariant &value);
 
 private:
@@ -206,6 +212,7 @@ private:
     bool m_overdueFlag = false;
     bool m_hasCoverImageFlag = false;
     std::unique_ptr<Transient> m_transient;
+    std::vector<std::pair<const QString *, const QStringList *>> m_unwrittenArrays;
 };
 
 namespace ZTItemKey {

@@ -79,8 +79,8 @@ void ZTMovie::updateAttributes()
 
 void ZTMovie::decodeBlobs()
 {
-    m_directorOids = decodeOidBlob(s_directorData);
-    m_actorRoleOids = decodeOidBlob(s_actorRoleData);
+    m_directorOids = decodeOidBlob(s_directorData, s_directorEntity);
+    m_actorRoleOids = decodeOidBlob(s_actorRoleData, QLatin1String(s_roles.roleEntity));
 }
 
 QStringList ZTMovie::indexKeysSingle() const

@@ -170,6 +170,17 @@ void ZTManagedObject::touchPrimitiveValueForKey(const QString &key)
         markDirty(quint64(1) << slot);
 }
 
+void ZTManagedObject::forgetPrimitiveValueForKey(const QString &key)
+{
+    const int slot = m_entity ? m_entity->attributeSlot(key) : -1;
+    if (slot < 0 || !(m_present & (quint64(1) << slot)) || (m_dirty & (quint64(1) << slot)))
+        return;
+    m_values.erase(m_values.begin() + valueIndex(slot));
+    m_present &= ~(quint64(1) << slot);
+    if (m_values.empty())
+        std::vector<QVariant>().swap(m_values);
+}
+
 void ZTManagedObject::markDirty(quint64 bits)
 {
     m_dirty |= bits;

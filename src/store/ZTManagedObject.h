@@ -62,6 +62,8 @@ public:
     virtual void awakeFromFetch();
     // Runs just before the row is written, for values kept in a cheaper form until then.
     virtual void willSave() {}
+    // Runs after the row was written.
+    virtual void didSave() {}
 
 
     // The value as the attribute stores it (a number for an integer, UTC for a date …).
@@ -70,6 +72,9 @@ public:
 protected:
     // Marks a stored value as changed without setting it (it is set in willSave).
     void touchPrimitiveValueForKey(const QString &key);
+    // Drops a stored value from memory without counting it as a change; the
+    // store keeps it. For bytes kept in a decoded form instead.
+    void forgetPrimitiveValueForKey(const QString &key);
 
 private:
     friend class ZTManagedObjectContext;

@@ -232,11 +232,14 @@ bool ZTManagedObjectContext::save(QString *error)
         object->m_state = ZTManagedObject::State::Stored;
         object->m_dirty = 0;
         object->m_dirtyRelations = 0;
+        object->didSave();
     }
     for (ZTManagedObject *object : m_updated) {
         object->m_dirty = 0;
         object->m_dirtyRelations = 0;
         object->m_inUpdatedList = false;
+        if (!object->isDeleted())
+            object->didSave();
     }
     m_inserted.clear();
     m_updated.clear();

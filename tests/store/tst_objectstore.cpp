@@ -85,7 +85,8 @@ private Q_SLOTS:
             book->setPrimitiveValueForKey(19.99, QStringLiteral("price"));
             book->setPrimitiveValueForKey(true, QStringLiteral("signedFlag"));
             book->setPrimitiveValueForKey(when, QStringLiteral("datePublished"));
-            book->setPrimitiveValueForKey(QByteArray("\x00\x01\xff", 3), QStringLiteral("toKeywordData"));
+            ZTManagedObject *smart = context->insertNewObject(QStringLiteral("ZTSmartList"));
+            smart->setPrimitiveValueForKey(QByteArray("\x00\x01\xff", 3), QStringLiteral("qualifierData"));
             ZTManagedObject *image = context->insertNewObject(QStringLiteral("ZTImage"));
             book->setToOneForKey(QStringLiteral("toCoverImage"), image);
             QVERIFY(context->save());
@@ -103,7 +104,10 @@ private Q_SLOTS:
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("price")).toDouble(), 19.99);
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("signedFlag")).toBool(), true);
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("datePublished")).toDateTime(), when);
-        QCOMPARE(book->primitiveValueForKey(QStringLiteral("toKeywordData")).toByteArray(), QByteArray("\x00\x01\xff", 3));
+        const auto smartLists = context->fetch(QStringLiteral("ZTSmartList"));
+        QCOMPARE(smartLists.size(), 1);
+        QCOMPARE(smartLists.first()->primitiveValueForKey(QStringLiteral("qualifierData")).toByteArray(),
+                 QByteArray("\x00\x01\xff", 3));
         QVERIFY(!book->primitiveValueForKey(QStringLiteral("genre")).isValid());
         QVERIFY(book->toOneForKey(QStringLiteral("toCoverImage")) != nullptr);
         QCOMPARE(book->toOneForKey(QStringLiteral("toCoverImage"))->entityName(), QStringLiteral("ZTImage"));
