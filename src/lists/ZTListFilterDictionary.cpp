@@ -11,24 +11,22 @@
 #include <QHash>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
-struct Tally {
-    qint64 count = 0;
-    QStringList oids;
-};
-
-// One attribute's values in first-seen order with their tallies. The blank
-// marker is tallied apart so it never joins the values.
+// One attribute's values in first-seen order, each with the list rows that
+// hold it. Rows stand for oids until the result is written, which keeps the
+// pass over a large list to integer appends. The blank marker is tallied
+// apart so it never joins the values.
 struct Column {
     QHash<QString, int> index;
     QStringList values;
-    QList<Tally> tallies;
-    Tally blank;
+    std::vector<std::vector<int>> rows;
+    std::vector<int> blankRows;
     bool hasBlank = false;
 
-    void count(const QString &value, const QString &oid)
+    void count(const QString &value, int row)
     {
         auto it = index.constFind(value);
         int i;
@@ -36,19 +34,16 @@ struct Column {
             i = int(values.size());
             index.insert(value, i);
             values << value;
-            tallies.append(Tally());
+            rows.emplace_back();
         } else {
             i = *it;
         }
-        Tally &tally = tallies[i];
-        ++tally.count;
-        tally.oids << oid;
+        rows[size_t(i)].push_back(row);
     }
-    void countBlank(const QString &oid)
+    void countBlank(int row)
     {
         hasBlank = true;
-        ++blank.count;
-        blank.oids << oid;
+        blankRows.push_back(row);
     }
 };
 
@@ -57,19 +52,16 @@ bool isBlank(const QString &text)
     return text.isNull() || !ZTText::containsNonWhitespace(text);
 }
 
-// The yes/no readers of an item by their cache names. The item answers them as
-// member functions; valueForKey is asked first so that a kind may add its own.
+// The yes/no readers of an item by their cache names, which the item answers
+// as member functions; any other key is read by valueForKey.
 bool booleanValue(const ZTItem &item, const QString &key)
 {
-    const QVariant value = item.valueForKey(key);
-    if (value.isValid())
-        return value.toBool();
     static const QHash<QString, bool (ZTItem::*)() const> readers{
         {QStringLiteral("isLentOut"), &ZTItem::isLentOut}, {QStringLiteral("isLocked"), &ZTItem::isLocked},
         {QStringLiteral("isOverdue"), &ZTItem::isOverdue}, {QStringLiteral("isOwned"), &ZTItem::isOwned},
         {QStringLiteral("isUsed"), &ZTItem::isUsed},       {QStringLiteral("isSigned"), &ZTItem::isSigned}};
     const auto reader = readers.value(key);
-    return reader && (item.*reader)();
+    return reader ? (item.*reader)() : item.valueForKey(key).toBool();
 }
 
 QString yesText()
@@ -97,7 +89,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         Column &column = columns[key];
         column.values = {yes, no};
         column.index = {{yes, 0}, {no, 1}};
-        column.tallies = {Tally(), Tally()};
+        column.rows.resize(2);
     }
 
     // Looked up once, so the pass over the items touches no hash of columns.
@@ -114,9 +106,9 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
 
     static const QString lentToName = QStringLiteral("lentToName");
     QSet<QString> people(addressBookNames.cbegin(), addressBookNames.cend());
-    QSet<QString> seen;
-    for (const QString &oid : m_itemOids) {
-        const ZTItem *item = document.itemForOid(oid);
+    QStringList seen;
+    for (int oid = 0; oid < m_itemOids.size(); ++oid) {
+        const ZTItem *item = document.itemForOid(m_itemOids.at(oid));
         if (!item)
             continue;
         for (int k = 0; k < keys.string.size(); ++k) {
@@ -142,7 +134,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                         column->countBlank(oid);
                     blankCounted = true;
                 } else if (!seen.contains(value)) {
-                    seen.insert(value);
+                    seen << value;
                     column->count(value, oid);
                 }
             }
@@ -156,7 +148,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                 numberColumns[k]->count(text, oid);
         }
         for (int k = 0; k < keys.boolean.size(); ++k)
-            booleanColumns[k]->count(booleanValue(*item, keys.boolean[k]) ? yes : no, oid);
+            booleanColumns[k]->rows[booleanValue(*item, keys.boolean[k]) ? 0 : 1].push_back(oid);
         const QString borrower = item->valueForKey(lentToName).toString();
         if (!isBlank(borrower))
             people.insert(borrower);
@@ -165,17 +157,24 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     QVariantMap result;
     QVariantMap countTable;
     QVariantMap oidTable;
+    auto oidsAt = [this](const std::vector<int> &rows) {
+        QStringList oids;
+        oids.reserve(qsizetype(rows.size()));
+        for (int row : rows)
+            oids << m_itemOids.at(row);
+        return oids;
+    };
     auto publish = [&](const QString &key, const Column &column, const QStringList &sorted) {
         QVariantMap counts;
         QVariantMap oids;
         for (const QString &value : sorted) {
-            const Tally &tally = column.tallies[column.index.value(value)];
-            counts.insert(value, QString::number(tally.count));
-            oids.insert(value, tally.oids);
+            const std::vector<int> &rows = column.rows[size_t(column.index.value(value))];
+            counts.insert(value, QString::number(rows.size()));
+            oids.insert(value, oidsAt(rows));
         }
         if (column.hasBlank) {
-            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blank.count));
-            oids.insert(ZTFilterDictionaryKey::emptyTag, column.blank.oids);
+            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size()));
+            oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows));
         }
         result.insert(key, sorted);
         countTable.insert(key, counts);
