@@ -4,6 +4,7 @@
 // and reopened, so the figures are those of a library read from disk.
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"
+#include "lists/ZTQualifierText.h"
 #include "lists/ZTSmartList.h"
 #include "lists/ZTSmartListController.h"
 #include "model/ZTItem.h"
@@ -21,10 +22,7 @@ namespace {
 QVariantMap rule(const QString &lhs, const QString &key, const QString &type, const QString &op,
                  const QVariantMap &rhs = {}, int toMany = 0)
 {
-    QVariantMap q{{"lhs", lhs}, {"lhsKey", key}, {"type", type}, {"operator", op}, {"toMany", toMany}};
-    if (!rhs.isEmpty())
-        q.insert("rhs", rhs);
-    return q;
+    return ZTQualifierText::makeQualifier(lhs, key, type, op, rhs, toMany != 0);
 }
 QVariantMap value(const QString &text)
 {
