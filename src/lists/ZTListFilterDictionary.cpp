@@ -25,6 +25,7 @@ struct Column {
     std::vector<std::vector<int>> rows;
     std::vector<int> blankRows;
     bool hasBlank = false;
+    QHash<qint64, int> integerIndex;
 
     void count(const QString &value, int row)
     {
@@ -39,6 +40,18 @@ struct Column {
             i = *it;
         }
         rows[size_t(i)].push_back(row);
+    }
+    // Whole numbers skip making their text for every item: it is made once per value.
+    void countInteger(qint64 number, int row)
+    {
+        auto it = integerIndex.constFind(number);
+        if (it != integerIndex.constEnd()) {
+            rows[size_t(*it)].push_back(row);
+            return;
+        }
+        const QString text = QString::number(number);
+        count(text, row);
+        integerIndex.insert(number, index.value(text));
     }
     void countBlank(int row)
     {
@@ -141,6 +154,11 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         }
         for (int k = 0; k < keys.number.size(); ++k) {
             const QVariant value = item->valueForKey(keys.number[k]);
+            const int type = value.typeId();
+            if (type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::UInt) {
+                numberColumns[k]->countInteger(value.toLongLong(), oid);
+                continue;
+            }
             const QString text = value.isValid() && !value.isNull() ? value.toString() : QString();
             if (text.isNull())
                 numberColumns[k]->countBlank(oid);
