@@ -67,14 +67,14 @@ bool isBlank(const QString &text)
 
 // The yes/no readers of an item by their cache names, which the item answers
 // as member functions; any other key is read by valueForKey.
-bool booleanValue(const ZTItem &item, const QString &key)
+using BooleanReader = bool (ZTItem::*)() const;
+BooleanReader booleanReader(const QString &key)
 {
-    static const QHash<QString, bool (ZTItem::*)() const> readers{
+    static const QHash<QString, BooleanReader> s_readers{
         {QStringLiteral("isLentOut"), &ZTItem::isLentOut}, {QStringLiteral("isLocked"), &ZTItem::isLocked},
         {QStringLiteral("isOverdue"), &ZTItem::isOverdue}, {QStringLiteral("isOwned"), &ZTItem::isOwned},
         {QStringLiteral("isUsed"), &ZTItem::isUsed},       {QStringLiteral("isSigned"), &ZTItem::isSigned}};
-    const auto reader = readers.value(key);
-    return reader ? (item.*reader)() : item.valueForKey(key).toBool();
+    return s_readers.value(key, nullptr);
 }
 
 QString yesText()
@@ -116,6 +116,9 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     const QList<Column *> arrayColumns = columnsFor(keys.array);
     const QList<Column *> numberColumns = columnsFor(keys.number);
     const QList<Column *> booleanColumns = columnsFor(keys.boolean);
+    QList<BooleanReader> booleanReaders;
+    for (const QString &key : keys.boolean)
+        booleanReaders << booleanReader(key);
 
     static const QString lentToName = QStringLiteral("lentToName");
     QSet<QString> people(addressBookNames.cbegin(), addressBookNames.cend());
@@ -165,11 +168,17 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             else
                 numberColumns[k]->count(text, oid);
         }
-        for (int k = 0; k < keys.boolean.size(); ++k)
-            booleanColumns[k]->rows[booleanValue(*item, keys.boolean[k]) ? 0 : 1].push_back(oid);
-        const QString borrower = item->valueForKey(lentToName).toString();
-        if (!isBlank(borrower))
-            people.insert(borrower);
+        for (int k = 0; k < keys.boolean.size(); ++k) {
+            const BooleanReader reader = booleanReaders[k];
+            const bool set = reader ? (item->*reader)() : item->valueForKey(keys.boolean[k]).toBool();
+            booleanColumns[k]->rows[set ? 0 : 1].push_back(oid);
+        }
+        // Only an item on loan has a borrower.
+        if (item->isLentOut()) {
+            const QString borrower = item->valueForKey(lentToName).toString();
+            if (!isBlank(borrower))
+                people.insert(borrower);
+        }
     }
 
     QVariantMap result;
