@@ -11,24 +11,23 @@
 #include <QHash>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
-struct Tally {
-    qint64 count = 0;
-    QStringList oids;
-};
-
-// One attribute's values in first-seen order with their tallies. The blank
-// marker is tallied apart so it never joins the values.
+// One attribute's values in first-seen order, each with the list rows that
+// hold it. Rows stand for oids until the result is written, which keeps the
+// pass over a large list to integer appends. The blank marker is tallied
+// apart so it never joins the values.
 struct Column {
     QHash<QString, int> index;
     QStringList values;
-    QList<Tally> tallies;
-    Tally blank;
+    std::vector<std::vector<int>> rows;
+    std::vector<int> blankRows;
     bool hasBlank = false;
+    QHash<qint64, int> integerIndex;
 
-    void count(const QString &value, const QString &oid)
+    void count(const QString &value, int row)
     {
         auto it = index.constFind(value);
         int i;
@@ -36,19 +35,28 @@ struct Column {
             i = int(values.size());
             index.insert(value, i);
             values << value;
-            tallies.append(Tally());
+            rows.emplace_back();
         } else {
             i = *it;
         }
-        Tally &tally = tallies[i];
-        ++tally.count;
-        tally.oids << oid;
+        rows[size_t(i)].push_back(row);
     }
-    void countBlank(const QString &oid)
+    // Whole numbers skip making their text for every item: it is made once per value.
+    void countInteger(qint64 number, int row)
+    {
+        auto it = integerIndex.constFind(number);
+        if (it != integerIndex.constEnd()) {
+            rows[size_t(*it)].push_back(row);
+            return;
+        }
+        const QString text = QString::number(number);
+        count(text, row);
+        integerIndex.insert(number, index.value(text));
+    }
+    void countBlank(int row)
     {
         hasBlank = true;
-        ++blank.count;
-        blank.oids << oid;
+        blankRows.push_back(row);
     }
 };
 
@@ -57,19 +65,16 @@ bool isBlank(const QString &text)
     return text.isNull() || !ZTText::containsNonWhitespace(text);
 }
 
-// The yes/no readers of an item by their cache names. The item answers them as
-// member functions; valueForKey is asked first so that a kind may add its own.
-bool booleanValue(const ZTItem &item, const QString &key)
+// The yes/no readers of an item by their cache names, which the item answers
+// as member functions; any other key is read by valueForKey.
+using BooleanReader = bool (ZTItem::*)() const;
+BooleanReader booleanReader(const QString &key)
 {
-    const QVariant value = item.valueForKey(key);
-    if (value.isValid())
-        return value.toBool();
-    static const QHash<QString, bool (ZTItem::*)() const> readers{
+    static const QHash<QString, BooleanReader> s_readers{
         {QStringLiteral("isLentOut"), &ZTItem::isLentOut}, {QStringLiteral("isLocked"), &ZTItem::isLocked},
         {QStringLiteral("isOverdue"), &ZTItem::isOverdue}, {QStringLiteral("isOwned"), &ZTItem::isOwned},
         {QStringLiteral("isUsed"), &ZTItem::isUsed},       {QStringLiteral("isSigned"), &ZTItem::isSigned}};
-    const auto reader = readers.value(key);
-    return reader && (item.*reader)();
+    return s_readers.value(key, nullptr);
 }
 
 QString yesText()
@@ -97,7 +102,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         Column &column = columns[key];
         column.values = {yes, no};
         column.index = {{yes, 0}, {no, 1}};
-        column.tallies = {Tally(), Tally()};
+        column.rows.resize(2);
     }
 
     // Looked up once, so the pass over the items touches no hash of columns.
@@ -111,12 +116,15 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     const QList<Column *> arrayColumns = columnsFor(keys.array);
     const QList<Column *> numberColumns = columnsFor(keys.number);
     const QList<Column *> booleanColumns = columnsFor(keys.boolean);
+    QList<BooleanReader> booleanReaders;
+    for (const QString &key : keys.boolean)
+        booleanReaders << booleanReader(key);
 
     static const QString lentToName = QStringLiteral("lentToName");
     QSet<QString> people(addressBookNames.cbegin(), addressBookNames.cend());
-    QSet<QString> seen;
-    for (const QString &oid : m_itemOids) {
-        const ZTItem *item = document.itemForOid(oid);
+    QStringList seen;
+    for (int oid = 0; oid < m_itemOids.size(); ++oid) {
+        const ZTItem *item = document.itemForOid(m_itemOids.at(oid));
         if (!item)
             continue;
         for (int k = 0; k < keys.string.size(); ++k) {
@@ -142,40 +150,58 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                         column->countBlank(oid);
                     blankCounted = true;
                 } else if (!seen.contains(value)) {
-                    seen.insert(value);
+                    seen << value;
                     column->count(value, oid);
                 }
             }
         }
         for (int k = 0; k < keys.number.size(); ++k) {
             const QVariant value = item->valueForKey(keys.number[k]);
+            const int type = value.typeId();
+            if (type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::UInt) {
+                numberColumns[k]->countInteger(value.toLongLong(), oid);
+                continue;
+            }
             const QString text = value.isValid() && !value.isNull() ? value.toString() : QString();
             if (text.isNull())
                 numberColumns[k]->countBlank(oid);
             else
                 numberColumns[k]->count(text, oid);
         }
-        for (int k = 0; k < keys.boolean.size(); ++k)
-            booleanColumns[k]->count(booleanValue(*item, keys.boolean[k]) ? yes : no, oid);
-        const QString borrower = item->valueForKey(lentToName).toString();
-        if (!isBlank(borrower))
-            people.insert(borrower);
+        for (int k = 0; k < keys.boolean.size(); ++k) {
+            const BooleanReader reader = booleanReaders[k];
+            const bool set = reader ? (item->*reader)() : item->valueForKey(keys.boolean[k]).toBool();
+            booleanColumns[k]->rows[set ? 0 : 1].push_back(oid);
+        }
+        // Only an item on loan has a borrower.
+        if (item->isLentOut()) {
+            const QString borrower = item->valueForKey(lentToName).toString();
+            if (!isBlank(borrower))
+                people.insert(borrower);
+        }
     }
 
     QVariantMap result;
     QVariantMap countTable;
     QVariantMap oidTable;
+    auto oidsAt = [this](const std::vector<int> &rows) {
+        QStringList oids;
+        oids.reserve(qsizetype(rows.size()));
+        for (int row : rows)
+            oids << m_itemOids.at(row);
+        return oids;
+    };
     auto publish = [&](const QString &key, const Column &column, const QStringList &sorted) {
         QVariantMap counts;
         QVariantMap oids;
         for (const QString &value : sorted) {
-            const Tally &tally = column.tallies[column.index.value(value)];
-            counts.insert(value, QString::number(tally.count));
-            oids.insert(value, tally.oids);
+            const std::vector<int> &rows = column.rows[size_t(column.index.value(value))];
+            counts.insert(value, QString::number(rows.size()));
+            oids.insert(value, oidsAt(rows));
         }
         if (column.hasBlank) {
-            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blank.count));
-            oids.insert(ZTFilterDictionaryKey::emptyTag, column.blank.oids);
+            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size()));
+            oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows));
         }
         result.insert(key, sorted);
         countTable.insert(key, counts);

@@ -64,6 +64,19 @@ bool readValue(const QString &type, const QString &text, QString *out, QString *
 
 } // namespace
 
+QVariantMap ZTQualifierText::makeQualifier(const QString &lhs, const QString &lhsKey, const QString &type,
+                                           const QString &op, const QVariantMap &rhs, bool toMany)
+{
+    QVariantMap qualifier{{Key::lhs, lhs},
+                          {Key::lhsKey, lhsKey},
+                          {Key::type, type},
+                          {Key::op, op},
+                          {Key::toMany, toMany ? 1 : 0}};
+    if (!rhs.isEmpty())
+        qualifier.insert(Key::rhs, rhs);
+    return qualifier;
+}
+
 QVariantMap ZTQualifierText::qualifierFromText(const ZTAttributeTables &tables, const QString &text,
                                                QString *error)
 {
@@ -91,11 +104,8 @@ QVariantMap ZTQualifierText::qualifierFromText(const ZTAttributeTables &tables, 
                         .arg(op, title, operators.join(QStringLiteral(", "))));
         return {};
     }
-    QVariantMap qualifier{{Key::lhs, attribute->title},
-                          {Key::lhsKey, attribute->key},
-                          {Key::type, attribute->type},
-                          {Key::op, op},
-                          {Key::toMany, attribute->toMany ? 1 : 0}};
+    QVariantMap qualifier =
+        makeQualifier(attribute->title, attribute->key, attribute->type, op, {}, attribute->toMany);
     const QString &type = attribute->type;
     if (type == QLatin1String("boolean")) {
         if (!right.trimmed().isEmpty()) {

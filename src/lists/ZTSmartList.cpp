@@ -72,40 +72,6 @@ void ZTSmartList::awakeFromFetch()
     m_hasQualifiers = true;
 }
 
-bool ZTSmartList::itemBelongsOnList(const ZTItem &item) const
-{
-    return shouldUseAndQualifier() ? itemBelongsOnListUsingAndQualifier(item)
-                                   : itemBelongsOnListUsingOrQualifier(item);
-}
-
-bool ZTSmartList::itemBelongsOnListUsingAndQualifier(const ZTItem &item) const
-{
-    for (const QVariant &qualifier : m_qualifiers)
-        if (evaluateQualifier(item, qualifier.toMap()) == Verdict::Fail)
-            return false;
-    return true;
-}
-
-bool ZTSmartList::itemBelongsOnListUsingOrQualifier(const ZTItem &item) const
-{
-    for (const QVariant &qualifier : m_qualifiers)
-        if (evaluateQualifier(item, qualifier.toMap()) == Verdict::Pass)
-            return true;
-    return false;
-}
-
-void ZTSmartList::handleItems(const QList<ZTItem *> &items)
-{
-    m_itemOids.clear();
-    m_evaluationTime = ZTListClock::now();
-    for (const ZTItem *item : items)
-        if (item && itemBelongsOnList(*item))
-            m_itemOids << item->oid();
-    m_evaluationTime = QDateTime();
-    itemOidsReplaced();
-    updateListData();
-}
-
 void ZTSmartList::updateExpirationDate()
 {
     bool dependsOnToday = false;

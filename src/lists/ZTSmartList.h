@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QVariantList>
 
+#include <vector>
+
 class ZTItem;
 class ZTDocument;
 class ZTPatternDateFormatter;
@@ -96,10 +98,13 @@ public:
 
 private:
     enum class Verdict { Pass, Fail, Ignored };
-    Verdict evaluateQualifier(const ZTItem &item, const QVariantMap &qualifier) const;
+    struct Rule;
+    static Rule ruleFromQualifier(const QVariantMap &qualifier, const QDateTime &now);
+    static Verdict evaluateRule(const ZTItem &item, const Rule &rule);
+    // The qualifiers read apart for a pass, those on collections last. A null
+    // `now` asks the clock when a rule needs it.
+    std::vector<Rule> rulesForPass(const QDateTime &now) const;
 
     QVariantList m_qualifiers;
     bool m_hasQualifiers = false;
-    // "Now" for the rules during one rebuild, so every item is judged at the same moment.
-    QDateTime m_evaluationTime;
 };

@@ -36,7 +36,10 @@ int skipDigits(const QString &text, int i)
     return i;
 }
 
-qint64 floorDivide(qint64 a, qint64 b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0))); }
+qint64 floorDivide(qint64 a, qint64 b)
+{
+    return a / b - ((a % b != 0) && ((a < 0) != (b < 0)));
+}
 
 // The local calendar day of an instant. Asking the time zone for every item of
 // a large library is slow, so the offset is remembered per quarter hour of UTC:
@@ -87,11 +90,95 @@ QDate rhsDate(const QString &text)
     return QDate(numbers[2], numbers[0], numbers[1]);
 }
 
-// The comparison at a precision: by year alone (2), year and month (1) or the day (0).
-bool compareDates(const QDate &left, const QString &op, const QDate &right, int dateBit)
+// The operators as the evaluators use them, read once from their English words.
+enum class Cmp {
+    Contains,
+    DoesNotContain,
+    Is,
+    IsNot,
+    StartsWith,
+    EndsWith,
+    Greater,
+    Less,
+    GreaterOrEqual,
+    LessOrEqual,
+    InRange,
+    IsSet,
+    IsNotSet,
+    After,
+    Before,
+    InTheLast,
+    NotInTheLast,
+    Unknown
+};
+
+Cmp cmpFor(const QString &op)
 {
-    if (op.isEmpty())
+    static const QHash<QString, Cmp> s_table{{Op::contains, Cmp::Contains},
+                                             {Op::doesNotContain, Cmp::DoesNotContain},
+                                             {Op::is, Cmp::Is},
+                                             {Op::isNot, Cmp::IsNot},
+                                             {Op::startsWith, Cmp::StartsWith},
+                                             {Op::endsWith, Cmp::EndsWith},
+                                             {Op::isGreaterThan, Cmp::Greater},
+                                             {Op::isLessThan, Cmp::Less},
+                                             {Op::isGreaterThanOrEqualTo, Cmp::GreaterOrEqual},
+                                             {Op::isLessThanOrEqualTo, Cmp::LessOrEqual},
+                                             {Op::isInTheRange, Cmp::InRange},
+                                             {Op::isSet, Cmp::IsSet},
+                                             {Op::isNotSet, Cmp::IsNotSet},
+                                             {Op::isAfter, Cmp::After},
+                                             {Op::isBefore, Cmp::Before},
+                                             {Op::isInTheLast, Cmp::InTheLast},
+                                             {Op::isNotInTheLast, Cmp::NotInTheLast}};
+    return s_table.value(op, Cmp::Unknown);
+}
+
+// A null side reads as the empty text (Qt treats the two alike). An empty right
+// side is found nowhere, so "contains", "starts with" and "ends with" fail on it.
+bool compareText(const QString &lhs, Cmp op, const QString &rhs)
+{
+    switch (op) {
+    case Cmp::Contains:
+        return !rhs.isEmpty() && lhs.contains(rhs, Qt::CaseInsensitive);
+    case Cmp::DoesNotContain:
+        return rhs.isEmpty() || !lhs.contains(rhs, Qt::CaseInsensitive);
+    case Cmp::Is:
+        return ZTListCompare::equalCaseInsensitive(lhs, rhs);
+    case Cmp::IsNot:
+        return !ZTListCompare::equalCaseInsensitive(lhs, rhs);
+    case Cmp::StartsWith:
+        return !rhs.isEmpty() && lhs.startsWith(rhs, Qt::CaseInsensitive);
+    case Cmp::EndsWith:
+        return !rhs.isEmpty() && lhs.endsWith(rhs, Qt::CaseInsensitive);
+    default:
         return false;
+    }
+}
+
+bool compareNumbers(double lhs, Cmp op, double rhs)
+{
+    switch (op) {
+    case Cmp::Is:
+        return lhs == rhs;
+    case Cmp::IsNot:
+        return lhs != rhs;
+    case Cmp::Greater:
+        return lhs > rhs;
+    case Cmp::Less:
+        return lhs < rhs;
+    case Cmp::GreaterOrEqual:
+        return lhs >= rhs;
+    case Cmp::LessOrEqual:
+        return lhs <= rhs;
+    default:
+        return false;
+    }
+}
+
+// The comparison at a precision: by year alone (2), year and month (1) or the day (0).
+bool compareDates(const QDate &left, Cmp op, const QDate &right, int dateBit)
+{
     const int bit = qBound(0, dateBit, 2);
     const bool known = left.isValid() && right.isValid();
     int order = 0;
@@ -104,24 +191,26 @@ bool compareDates(const QDate &left, const QString &op, const QDate &right, int 
             order = left.day() < right.day() ? -1 : 1;
     }
     // A missing date is the same as, before or after nothing: only "is not" holds.
-    if (op == Op::is)
+    switch (op) {
+    case Cmp::Is:
         return known && order == 0;
-    if (op == Op::isNot)
+    case Cmp::IsNot:
         return !(known && order == 0);
-    if (op == Op::isAfter)
+    case Cmp::After:
         return known && order > 0;
-    if (op == Op::isBefore)
+    case Cmp::Before:
         return known && order < 0;
-    if (op == Op::isGreaterThanOrEqualTo)
+    case Cmp::GreaterOrEqual:
         return known && order >= 0;
-    if (op == Op::isLessThanOrEqualTo)
+    case Cmp::LessOrEqual:
         return known && order <= 0;
-    return false;
+    default:
+        return false;
+    }
 }
 
-int dateBitForKey(const ZTItem &item, const QString &key)
+int dateBitForKey(const ZTItem &item, const QString &bitKey)
 {
-    const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(key);
     if (bitKey.isEmpty())
         return 0;
     return int(std::clamp<qint64>(item.valueForKey(bitKey).toLongLong(), 0, 2));
@@ -218,146 +307,209 @@ double ZTSmartList::doubleValue(const QString &text)
     return ok ? value : 0.0;
 }
 
-// A null side reads as the empty text (Qt treats the two alike). An empty right
-// side is found nowhere, so "contains", "starts with" and "ends with" fail on it.
 bool ZTSmartList::evaluateLhsString(const QString &lhs, const QString &op, const QString &rhs)
 {
-    if (op == Op::contains)
-        return !rhs.isEmpty() && lhs.contains(rhs, Qt::CaseInsensitive);
-    if (op == Op::doesNotContain)
-        return rhs.isEmpty() || !lhs.contains(rhs, Qt::CaseInsensitive);
-    if (op == Op::is)
-        return ZTListCompare::equalCaseInsensitive(lhs, rhs);
-    if (op == Op::isNot)
-        return !ZTListCompare::equalCaseInsensitive(lhs, rhs);
-    if (op == Op::startsWith)
-        return !rhs.isEmpty() && lhs.startsWith(rhs, Qt::CaseInsensitive);
-    if (op == Op::endsWith)
-        return !rhs.isEmpty() && lhs.endsWith(rhs, Qt::CaseInsensitive);
-    return false;
+    return compareText(lhs, cmpFor(op), rhs);
 }
 
 bool ZTSmartList::evaluateLhsNumber(double lhs, const QString &op, double rhs)
 {
-    if (op == Op::is)
-        return lhs == rhs;
-    if (op == Op::isNot)
-        return lhs != rhs;
-    if (op == Op::isGreaterThan)
-        return lhs > rhs;
-    if (op == Op::isLessThan)
-        return lhs < rhs;
-    if (op == Op::isGreaterThanOrEqualTo)
-        return lhs >= rhs;
-    if (op == Op::isLessThanOrEqualTo)
-        return lhs <= rhs;
-    return false;
+    return compareNumbers(lhs, cmpFor(op), rhs);
 }
 
 bool ZTSmartList::evaluateLhsDate(const QDateTime &lhs, const QString &op, const QDateTime &rhs, int dateBit)
 {
-    return compareDates(localDate(lhs), op, localDate(rhs), dateBit);
+    return compareDates(localDate(lhs), cmpFor(op), localDate(rhs), dateBit);
 }
 
-ZTSmartList::Verdict ZTSmartList::evaluateQualifier(const ZTItem &item, const QVariantMap &qualifier) const
+// A qualifier read apart once for a pass over items: the same plain lookups as
+// for a single item, only not repeated for every item of a rebuild.
+struct ZTSmartList::Rule {
+    enum class Kind { Text, Number, Boolean, Date, Unknown };
+    Kind kind = Kind::Unknown;
+    Cmp op = Cmp::Unknown;
+    QString key;
+    QString bitKey;
+    bool toMany = false;
+    QString right;
+    double from = 0, to = 0;
+    bool range = false;
+    QDate low, high;
+    bool span = false;
+    bool inside = true;
+};
+
+ZTSmartList::Rule ZTSmartList::ruleFromQualifier(const QVariantMap &qualifier, const QDateTime &now)
 {
+    Rule rule;
     const QString type = qualifier.value(Key::type).toString();
-    const QString key = qualifier.value(Key::lhsKey).toString();
-    const QString op = qualifier.value(Key::op).toString();
     const QVariantMap rhs = qualifier.value(Key::rhs).toMap();
-    const bool toMany = qualifier.value(Key::toMany).toBool();
-    auto verdict = [](bool pass) { return pass ? Verdict::Pass : Verdict::Fail; };
-
+    rule.key = qualifier.value(Key::lhsKey).toString();
+    rule.op = cmpFor(qualifier.value(Key::op).toString());
+    rule.toMany = qualifier.value(Key::toMany).toBool();
     if (type == s_text) {
-        const QString right = rhs.value(Key::value).toString();
-        const QVariant value = item.valueForKey(key);
-        if (!toMany)
-            return verdict(evaluateLhsString(value.toString(), op, right));
-        const QStringList values = ZTItem::variantToStrings(value);
-        if (values.isEmpty())
-            return verdict(evaluateLhsString(QString(), op, right));
-        // The negative operators speak of the whole collection: no value may match.
-        if (op == Op::doesNotContain || op == Op::isNot) {
-            for (const QString &text : values)
-                if (!evaluateLhsString(text, op, right))
-                    return Verdict::Fail;
-            return Verdict::Pass;
-        }
-        for (const QString &text : values)
-            if (evaluateLhsString(text, op, right))
-                return Verdict::Pass;
-        return Verdict::Fail;
-    }
-
-    if (type == s_integer || type == s_rating || type == s_float) {
+        rule.kind = Rule::Kind::Text;
+        rule.right = rhs.value(Key::value).toString();
+    } else if (type == s_integer || type == s_rating || type == s_float) {
+        rule.kind = Rule::Kind::Number;
         const bool isFloat = type == s_float;
         auto read = [isFloat](const QVariant &text) {
             return isFloat ? doubleValue(text.toString()) : double(integerValue(text.toString()));
         };
-        const bool range = op == Op::isInTheRange;
-        const double from = read(rhs.value(range ? Key::fromValue : Key::value));
-        const double to = read(rhs.value(Key::toValue));
-        auto judge = [&](const QVariant &value) {
-            // A missing number is 0: an item without a price costs less than 5.
-            const double number = value.isNull() ? 0.0 : value.toDouble();
-            return range ? evaluateLhsNumber(number, Op::isGreaterThanOrEqualTo, from) &&
-                               evaluateLhsNumber(number, Op::isLessThanOrEqualTo, to)
-                         : evaluateLhsNumber(number, op, from);
-        };
-        if (!toMany)
-            return verdict(judge(item.valueForKey(key)));
-        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany))
-            if (judge(value))
-                return Verdict::Pass;
-        return Verdict::Fail;
-    }
-
-    if (type == s_boolean)
-        return verdict(item.valueForKey(key).toBool() == (op == Op::isSet));
-
-    if (type == s_date) {
-        const int bit = dateBitForKey(item, key);
-        QDate low, high;
-        bool span = false;
-        bool inside = true;
-        if (op == Op::isInTheRange) {
-            low = rhsDate(rhs.value(Key::fromValue).toString());
-            high = rhsDate(rhs.value(Key::toValue).toString());
-            span = true;
-        } else if (op == Op::isInTheLast || op == Op::isNotInTheLast) {
+        rule.range = rule.op == Cmp::InRange;
+        rule.from = read(rhs.value(rule.range ? Key::fromValue : Key::value));
+        rule.to = read(rhs.value(Key::toValue));
+    } else if (type == s_boolean) {
+        rule.kind = Rule::Kind::Boolean;
+    } else if (type == s_date) {
+        rule.kind = Rule::Kind::Date;
+        rule.bitKey = ZTDateUtil::bitFlagKeyForDateKey(rule.key);
+        if (rule.op == Cmp::InRange) {
+            rule.low = rhsDate(rhs.value(Key::fromValue).toString());
+            rule.high = rhsDate(rhs.value(Key::toValue).toString());
+            rule.span = true;
+        } else if (rule.op == Cmp::InTheLast || rule.op == Cmp::NotInTheLast) {
             // Whole days are compared, so the cut-off is reckoned on the calendar date.
-            const QDate today = (m_evaluationTime.isValid() ? m_evaluationTime : ZTListClock::now()).date();
+            const QDate today = (now.isValid() ? now : ZTListClock::now()).date();
             const int number = int(
                 std::clamp<qint64>(integerValue(rhs.value(Key::numberValue).toString()), -1000000, 1000000));
             const QString period = rhs.value(Key::timePeriodValue).toString();
             if (period == QLatin1String("days"))
-                low = today.addDays(-number);
+                rule.low = today.addDays(-number);
             else if (period == QLatin1String("weeks"))
-                low = today.addDays(-7 * qint64(number));
+                rule.low = today.addDays(-7 * qint64(number));
             else if (period == QLatin1String("months"))
-                low = today.addMonths(-number);
+                rule.low = today.addMonths(-number);
             else
-                low = today.addYears(-number);
-            high = today;
-            span = true;
-            inside = op == Op::isInTheLast;
+                rule.low = today.addYears(-number);
+            rule.high = today;
+            rule.span = true;
+            rule.inside = rule.op == Cmp::InTheLast;
         } else {
-            low = rhsDate(rhs.value(Key::value).toString());
+            rule.low = rhsDate(rhs.value(Key::value).toString());
         }
-        auto judge = [&](const QDate &date) {
-            if (!span)
-                return compareDates(date, op, low, bit);
-            const bool within = compareDates(date, Op::isGreaterThanOrEqualTo, low, bit) &&
-                                compareDates(date, Op::isLessThanOrEqualTo, high, bit);
-            return within == inside;
+    }
+    return rule;
+}
+
+ZTSmartList::Verdict ZTSmartList::evaluateRule(const ZTItem &item, const Rule &rule)
+{
+    auto verdict = [](bool pass) { return pass ? Verdict::Pass : Verdict::Fail; };
+    switch (rule.kind) {
+    case Rule::Kind::Text: {
+        const QVariant value = item.valueForKey(rule.key);
+        if (!rule.toMany)
+            return verdict(compareText(value.toString(), rule.op, rule.right));
+        const QStringList values = ZTItem::variantToStrings(value);
+        if (values.isEmpty())
+            return verdict(compareText(QString(), rule.op, rule.right));
+        // The negative operators speak of the whole collection: no value may match.
+        if (rule.op == Cmp::DoesNotContain || rule.op == Cmp::IsNot) {
+            for (const QString &text : values)
+                if (!compareText(text, rule.op, rule.right))
+                    return Verdict::Fail;
+            return Verdict::Pass;
+        }
+        for (const QString &text : values)
+            if (compareText(text, rule.op, rule.right))
+                return Verdict::Pass;
+        return Verdict::Fail;
+    }
+    case Rule::Kind::Number: {
+        auto judge = [&](const QVariant &value) {
+            // A missing number is 0: an item without a price costs less than 5.
+            const double number = value.isNull() ? 0.0 : value.toDouble();
+            return rule.range ? compareNumbers(number, Cmp::GreaterOrEqual, rule.from) &&
+                                    compareNumbers(number, Cmp::LessOrEqual, rule.to)
+                              : compareNumbers(number, rule.op, rule.from);
         };
-        if (!toMany)
-            return verdict(judge(localDate(item.valueForKey(key).toDateTime())));
-        for (const QVariant &value : valuesOf(item.valueForKey(key), toMany))
+        if (!rule.toMany)
+            return verdict(judge(item.valueForKey(rule.key)));
+        for (const QVariant &value : valuesOf(item.valueForKey(rule.key), true))
+            if (judge(value))
+                return Verdict::Pass;
+        return Verdict::Fail;
+    }
+    case Rule::Kind::Boolean:
+        return verdict(item.valueForKey(rule.key).toBool() == (rule.op == Cmp::IsSet));
+    case Rule::Kind::Date: {
+        const int bit = dateBitForKey(item, rule.bitKey);
+        auto judge = [&](const QDate &date) {
+            if (!rule.span)
+                return compareDates(date, rule.op, rule.low, bit);
+            const bool within = compareDates(date, Cmp::GreaterOrEqual, rule.low, bit) &&
+                                compareDates(date, Cmp::LessOrEqual, rule.high, bit);
+            return within == rule.inside;
+        };
+        if (!rule.toMany)
+            return verdict(judge(localDate(item.valueForKey(rule.key).toDateTime())));
+        for (const QVariant &value : valuesOf(item.valueForKey(rule.key), true))
             if (judge(rhsDate(value.toString())))
                 return Verdict::Pass;
         return Verdict::Fail;
     }
+    case Rule::Kind::Unknown:
+        break;
+    }
     // A rule of a type this program does not know neither fails nor passes.
     return Verdict::Ignored;
+}
+
+std::vector<ZTSmartList::Rule> ZTSmartList::rulesForPass(const QDateTime &now) const
+{
+    // Each qualifier is a pure test of the item, so their order cannot change
+    // the verdict; the rules on collections (authors, keywords …), which must
+    // build the collection, are asked last so that the cheap ones decide first.
+    std::vector<Rule> rules;
+    rules.reserve(size_t(m_qualifiers.size()));
+    for (const QVariant &entry : m_qualifiers)
+        rules.push_back(ruleFromQualifier(entry.toMap(), now));
+    std::stable_partition(rules.begin(), rules.end(), [](const Rule &rule) { return !rule.toMany; });
+    return rules;
+}
+
+namespace {
+template <typename Rules, typename Evaluate> bool judgeAll(const Rules &rules, bool allOf, Evaluate evaluate)
+{
+    for (const auto &rule : rules) {
+        const auto verdict = evaluate(rule);
+        using Verdict = decltype(verdict);
+        if (allOf && verdict == Verdict::Fail)
+            return false;
+        if (!allOf && verdict == Verdict::Pass)
+            return true;
+    }
+    return allOf;
+}
+} // namespace
+
+bool ZTSmartList::itemBelongsOnList(const ZTItem &item) const
+{
+    return shouldUseAndQualifier() ? itemBelongsOnListUsingAndQualifier(item)
+                                   : itemBelongsOnListUsingOrQualifier(item);
+}
+
+bool ZTSmartList::itemBelongsOnListUsingAndQualifier(const ZTItem &item) const
+{
+    return judgeAll(rulesForPass(QDateTime()), true,
+                    [&](const Rule &rule) { return evaluateRule(item, rule); });
+}
+
+bool ZTSmartList::itemBelongsOnListUsingOrQualifier(const ZTItem &item) const
+{
+    return judgeAll(rulesForPass(QDateTime()), false,
+                    [&](const Rule &rule) { return evaluateRule(item, rule); });
+}
+
+void ZTSmartList::handleItems(const QList<ZTItem *> &items)
+{
+    m_itemOids.clear();
+    // Every item is judged at the same moment, with the rules read apart once.
+    const std::vector<Rule> rules = rulesForPass(ZTListClock::now());
+    const bool allOf = shouldUseAndQualifier();
+    for (const ZTItem *item : items)
+        if (item && judgeAll(rules, allOf, [&](const Rule &rule) { return evaluateRule(*item, rule); }))
+            m_itemOids << item->oid();
+    itemOidsReplaced();
+    updateListData();
 }

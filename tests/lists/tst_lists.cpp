@@ -38,6 +38,7 @@ private slots:
     void removingAList();
     void removingItemsAsShown();
     void listDataIsStoredAndAnnounced();
+    void longListsAreWrittenAtSave();
     void filterDictionaryOfEmptyList();
     void filterDictionaryCounts();
     void filterDictionaryCompletionLists();
@@ -180,6 +181,26 @@ void TestLists::listDataIsStoredAndAnnounced()
     QCOMPARE(seen, QStringList({list->listOid(), list->listOid(), list->listOid()}));
     QVERIFY(library.saveAndReopen());
     QCOMPARE(library.document->itemLists().at(0)->itemOids(), QStringList({"w", "y"}));
+}
+
+void TestLists::longListsAreWrittenAtSave()
+{
+    ListsTestLibrary library;
+    ZTList *list = library.document->addList();
+    QStringList oids;
+    for (int i = 0; i < 250; ++i)
+        oids << QStringLiteral("oid-%1").arg(i);
+    int updates = 0;
+    ZTObservation observation(ZTListNotification::updated, list, [&](const ZTNotification &) { ++updates; });
+    list->setItemOids(oids);
+    list->addItem("first");
+    // Observers hear of every change; the bytes wait for the save.
+    QCOMPARE(updates, 2);
+    QVERIFY(list->hasUnwrittenListData());
+    QVERIFY(library.document->saveDocument());
+    QVERIFY(!list->hasUnwrittenListData());
+    QVERIFY(library.saveAndReopen());
+    QCOMPARE(library.document->itemLists().at(0)->itemOids(), QStringList{"first"} + oids);
 }
 
 void TestLists::filterDictionaryOfEmptyList()

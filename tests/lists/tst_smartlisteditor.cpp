@@ -1,6 +1,7 @@
 // The smart-list editor's rows and its save, without the sheet.
 #include "ListsTestLibrary.h"
 
+#include "lists/ZTQualifierText.h"
 #include "lists/ZTSmartList.h"
 #include "lists/ZTSmartListController.h"
 
@@ -13,10 +14,7 @@ namespace {
 QVariantMap rule(const QString &lhs, const QString &key, const QString &type, const QString &op,
                  const QVariantMap &rhs = {}, int toMany = 0)
 {
-    QVariantMap q{{"lhs", lhs}, {"lhsKey", key}, {"type", type}, {"operator", op}, {"toMany", toMany}};
-    if (!rhs.isEmpty())
-        q.insert("rhs", rhs);
-    return q;
+    return ZTQualifierText::makeQualifier(lhs, key, type, op, rhs, toMany != 0);
 }
 } // namespace
 

@@ -2,6 +2,7 @@
 #include "ListsTestLibrary.h"
 
 #include "app/ZTNotificationCenter.h"
+#include "lists/ZTQualifierText.h"
 #include "lists/ZTSmartList.h"
 #include "lists/ZTSmartListController.h"
 #include "model/ZTDateUtil.h"
@@ -12,10 +13,7 @@ namespace {
 QVariantMap rule(const QString &lhs, const QString &key, const QString &type, const QString &op,
                  const QVariantMap &rhs = {}, int toMany = 0)
 {
-    QVariantMap q{{"lhs", lhs}, {"lhsKey", key}, {"type", type}, {"operator", op}, {"toMany", toMany}};
-    if (!rhs.isEmpty())
-        q.insert("rhs", rhs);
-    return q;
+    return ZTQualifierText::makeQualifier(lhs, key, type, op, rhs, toMany != 0);
 }
 QVariantMap titleContains(const QString &text)
 {
