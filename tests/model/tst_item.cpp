@@ -376,6 +376,7 @@ private Q_SLOTS:
             ZTBook *book = newBook(*document, {{QStringLiteral("title"), QStringLiteral("x")},
                                                {QStringLiteral("keywords"), QStringList{QStringLiteral("k")}}});
             oid = book->oid();
+            QVERIFY(document->saveDocument());
             book->setPrimitiveValueForKey(QByteArray("bplist00garbage"), QStringLiteral("toKeywordData"));
             book->setPrimitiveValueForKey(QByteArray("\x01\x02"), QStringLiteral("toAuthorData"));
             QVERIFY(document->saveDocument());
