@@ -39,9 +39,12 @@ int main(int argc, char **argv)
         return measure(QString::fromLocal8Bit(argv[2]));
     const int count = argc > 1 ? atoi(argv[1]) : 100000;
     const int covers = qMin(1000, count);
+    // BENCH_LIBRARY_DIR keeps the library for later runs (and profilers).
     QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("bench.ztbooklib"));
-    qputenv("ZETTARY_SETTINGS_FILE", dir.filePath(QStringLiteral("settings.conf")).toUtf8());
+    const QString folder = qEnvironmentVariableIsSet("BENCH_LIBRARY_DIR") ? qEnvironmentVariable("BENCH_LIBRARY_DIR")
+                                                                          : dir.path();
+    const QString path = folder + QStringLiteral("/bench.ztbooklib");
+    qputenv("ZETTARY_SETTINGS_FILE", (folder + QStringLiteral("/settings.conf")).toUtf8());
     if (!ZTDocument::createPackage(path, ZTMediaKind::Book)) {
         fprintf(stderr, "cannot create the library\n");
         return 1;

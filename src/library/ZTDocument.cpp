@@ -368,15 +368,53 @@ void ZTDocument::prune()
             all << static_cast<ZTItem *>(row);
         return all;
     }();
+    // The people an item names are the people of its role rows: their use is
+    // read from the roles in use rather than from every item again.
+    struct PersonThroughRole {
+        const char *personKey;
+        const char *roleKey;
+        const char *roleEntity;
+    };
+    static const PersonThroughRole throughRoles[] = {{"authorOids", "authorRoleOids", "ZTAuthorRole"},
+                                                     {"actorOids", "actorRoleOids", "ZTActorRole"},
+                                                     {"characterOids", "characterRoleOids", "ZTCharacterRole"},
+                                                     {"artistOids", "artistRoleOids", "ZTGraphicalArtistRole"}};
+    QHash<QString, QSet<QString>> usedByKey;
+    auto usedOids = [&](const QString &key) -> const QSet<QString> & {
+        auto found = usedByKey.constFind(key);
+        if (found != usedByKey.constEnd())
+            return *found;
+        QSet<QString> used;
+        bool derived = false;
+        for (const PersonThroughRole &through : throughRoles) {
+            if (key != QLatin1String(through.personKey))
+                continue;
+            const auto roles = m_context->oidObjectDictionary().value(QLatin1String(through.roleEntity));
+            if (roles.isEmpty())
+                break;
+            derived = true;
+            QSet<QString> roleOids;
+            for (ZTItem *item : items)
+                for (const QString &oid : item->valueForKey(QLatin1String(through.roleKey)).toStringList())
+                    roleOids.insert(oid);
+            for (const QString &roleOid : std::as_const(roleOids))
+                if (ZTManagedObject *role = roles.value(roleOid))
+                    if (ZTManagedObject *person = role->toOne(0))
+                        used.insert(person->oid());
+            usedByKey.insert(QLatin1String(through.roleKey), roleOids);
+            break;
+        }
+        if (!derived)
+            for (ZTItem *item : items)
+                for (const QString &oid : item->valueForKey(key).toStringList())
+                    used.insert(oid);
+        return *usedByKey.insert(key, used);
+    };
     for (const auto &[entity, key] : prunePairs()) {
         auto &table = m_context->oidObjectDictionary()[entity];
         if (table.isEmpty())
             continue;
-        QSet<QString> used;
-        used.reserve(table.size());
-        for (ZTItem *item : items)
-            for (const QString &oid : item->valueForKey(key).toStringList())
-                used.insert(oid);
+        const QSet<QString> &used = usedOids(key);
         QStringList unused;
         for (auto it = table.constBegin(); it != table.constEnd(); ++it)
             if (!used.contains(it.key()))

@@ -73,9 +73,31 @@ QString ZTBook::deweyClassNumberDisplayString() const
 
 void ZTBook::updateAuthors()
 {
+    m_authorArraysBuilt = false;
+    m_authorsWithTypes.clear();
+    m_authorsWithTypesByLastNameFirstName.clear();
+}
+
+void ZTBook::buildAuthorArrays() const
+{
+    if (m_authorArraysBuilt)
+        return;
     const ZTItemText::AuthorArrays arrays = ZTItemText::authorArrays(authorRoleDicts());
     m_authorsWithTypes = arrays.authorsWithTypes;
     m_authorsWithTypesByLastNameFirstName = arrays.authorsWithTypesByLastNameFirstName;
+    m_authorArraysBuilt = true;
+}
+
+const QStringList &ZTBook::authorsWithTypes() const
+{
+    buildAuthorArrays();
+    return m_authorsWithTypes;
+}
+
+const QStringList &ZTBook::authorsWithTypesByLastNameFirstName() const
+{
+    buildAuthorArrays();
+    return m_authorsWithTypesByLastNameFirstName;
 }
 
 void ZTBook::updateVolumeNumber()

@@ -18,8 +18,9 @@ public:
     void setLocSubjects(const QStringList &names);
     const QStringList &subjectOids() const { return m_subjectOids; }
 
-    const QStringList &authorsWithTypes() const { return m_authorsWithTypes; }
-    const QStringList &authorsWithTypesByLastNameFirstName() const { return m_authorsWithTypesByLastNameFirstName; }
+    // Built on first use after a change: most items are never shown by author.
+    const QStringList &authorsWithTypes() const;
+    const QStringList &authorsWithTypesByLastNameFirstName() const;
     QString volumeNumberSortable() const { return m_volumeNumberSortable; }
     QString locClassificationSortable() const { return m_locClassificationSortable; }
     QString deweyClassNumberPrefix() const;
@@ -43,8 +44,10 @@ protected:
 private:
     QStringList m_authorRoleOids;
     QStringList m_subjectOids;
-    QStringList m_authorsWithTypes;
-    QStringList m_authorsWithTypesByLastNameFirstName;
+    void buildAuthorArrays() const;
+    mutable QStringList m_authorsWithTypes;
+    mutable QStringList m_authorsWithTypesByLastNameFirstName;
+    mutable bool m_authorArraysBuilt = false;
     QString m_volumeNumberSortable;
     QString m_locClassificationSortable;
 };

@@ -115,5 +115,5 @@ private:
     QSet<QString> m_imagesDeleted;
     QHash<QString, QHash<QString, ZTManagedObject *>> m_nameIndex;
     quint64 m_nextTemporary = 1;
-    bool m_sharedNamesChanged = true;
+    bool m_sharedNamesChanged = false;
 };

@@ -298,13 +298,21 @@ bool ZTObjectStore::loadAll(ZTManagedObjectContext &context, QString *error)
             ZTManagedObject *object = context.create(entity);
             object->m_primaryKey = pk;
             const Plan &plan = plans[entity];
+            // Values come out of the store in slot order and already typed, so
+            // they go straight into the row's value array.
+            int present = 0;
             for (int slot = 0; slot < plan.attributeColumns.size(); ++slot) {
                 const int col = plan.attributeColumns[slot];
-                if (col < 0)
+                if (col >= 0 && sqlite3_column_type(stmt, col) != SQLITE_NULL)
+                    ++present;
+            }
+            object->m_values.reserve(size_t(present));
+            for (int slot = 0; slot < plan.attributeColumns.size(); ++slot) {
+                const int col = plan.attributeColumns[slot];
+                if (col < 0 || sqlite3_column_type(stmt, col) == SQLITE_NULL)
                     continue;
-                QVariant v = columnValue(stmt, col, entity->attributes[slot].type);
-                if (v.isValid())
-                    object->setPrimitiveValue(slot, v);
+                object->m_values.push_back(columnValue(stmt, col, entity->attributes[slot].type));
+                object->m_present |= quint64(1) << slot;
             }
             if (!plan.relationColumns.isEmpty()) {
                 object->m_pendingKeys.reset(new qint64[size_t(plan.relationColumns.size())]);
