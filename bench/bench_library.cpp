@@ -108,7 +108,7 @@ static int measure(const QString &path)
 
     for (int round = 0; round < 5; ++round) {
         ZTItem *item = document->itemForOid(document->mainList()->itemOids().at(round * 17));
-        item->takeAttributesFromDictionary({{QStringLiteral("notes"), QStringLiteral("changed %1").arg(round)},
+        item->takeAttributesFromDictionary({{QStringLiteral("notes"), QStringLiteral("changed %1 at %2").arg(round).arg(QDateTime::currentMSecsSinceEpoch())},
                                             {QStringLiteral("isbn"), item->valueForKey(QStringLiteral("isbn"))}});
         timer.restart();
         document->saveDocument();
