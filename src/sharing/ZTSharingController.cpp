@@ -246,8 +246,16 @@ void ZTSharingController::savedLibrary(qint64 nodeID)
         return;
     folder.removeRecursively();
     loadSharedLibraries();
-    if (m_webServer->isStarted())
+    if (isSharingOn())
         prepareForSharing();
+}
+
+bool ZTSharingController::isSharingOn() const
+{
+    // Libraries given by the caller are shared for as long as the server runs.
+    if (m_libraries)
+        return m_webServer->isStarted();
+    return ZTSettings::value(ZTSettingsKey::SharingState).toBool();
 }
 
 void ZTSharingController::receivedURL(const QString &urlText)

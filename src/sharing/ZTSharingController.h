@@ -57,6 +57,7 @@ public:
 
 private:
     QStringList libraryBookmarks() const;
+    bool isSharingOn() const;
     bool isExportCompleteForId(qint64 nodeID) const;
     quint64 fileSizeForId(qint64 nodeID) const;
 

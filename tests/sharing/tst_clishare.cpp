@@ -140,6 +140,20 @@ void TestCliShare::shareServesUntilTerminated()
     const QString id = libraries.value(0).toMap().value("id").toString();
     QVERIFY(get(port, QStringLiteral("/%1/%1.zip").arg(id).toUtf8()).startsWith("HTTP/1.1 200"));
 
+    // A save by another process is noticed and the library exported anew.
+    QProcess add;
+    add.setProcessEnvironment(environment());
+    add.start(ZTTestSupport::cliPath(), {"add", fixture.path(), "-"});
+    add.write(R"({"title": "Emma"})");
+    add.closeWriteChannel();
+    QVERIFY(add.waitForFinished(30000));
+    QCOMPARE(add.exitCode(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (libraries = ZTPropertyList::deserialize(bodyOf(get(port, "/sharedLibraries.xml"))).toList(),
+         libraries.value(0).toMap().value("itemCount").toInt() == 2 &&
+             libraries.value(0).toMap().value("status").toInt() == 1),
+        30000);
+
     ::kill(pid_t(cli.processId()), SIGTERM);
     QVERIFY(cli.waitForFinished(20000));
     QCOMPARE(cli.exitStatus(), QProcess::NormalExit);

@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QFileSystemWatcher>
 #include <QSocketNotifier>
 #include <QTemporaryDir>
 
@@ -97,6 +98,14 @@ int share(const QStringList &arguments)
                        .arg(publisher.errorString().isEmpty()
                                 ? QStringLiteral("no answer from the DNS-SD service")
                                 : publisher.errorString()));
+    // Other processes (another zettary-cli, the window) save these libraries
+    // too; their notifications do not reach us, so the stores are watched.
+    QFileSystemWatcher watcher;
+    for (const QString &library : std::as_const(libraries))
+        watcher.addPath(QDir(library).filePath(QStringLiteral("data.sql")));
+    QObject::connect(&watcher, &QFileSystemWatcher::fileChanged, &sharing, [&sharing](const QString &store) {
+        sharing.savedLibrary(ZTSharingExportController::nodeIDForPath(QFileInfo(store).absolutePath()));
+    });
     // Exports start at once rather than at the first tick.
     exporter.checkExport();
     const int status = QCoreApplication::exec();
