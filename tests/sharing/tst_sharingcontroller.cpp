@@ -144,10 +144,12 @@ void TestSharingController::sharedLibrariesAreExportedAndServed()
     films.addTitled(QStringLiteral("Alien"));
     QVERIFY(films.document().saveDocument());
     ZTTestSupport::useTemporarySettings(*m_settings);
-    // The same library twice, and a bookmark that no longer resolves.
-    ZTSettings::setValue(
-        ZTSettingsKey::SharedLibraries,
-        QStringList{books.path(), films.path(), books.path() + "/", m_settings->filePath("Gone.ztbooklib")});
+    // The same library twice, a bookmark that no longer resolves and a folder of no known kind.
+    QDir().mkpath(m_settings->filePath("Notes.other"));
+    ZTSettings::setValue(ZTSettingsKey::SharedLibraries,
+                         QStringList{books.path(), films.path(), books.path() + "/",
+                                     m_settings->filePath("Gone.ztbooklib"),
+                                     m_settings->filePath("Notes.other")});
     ZTSettings::setValue(ZTSettingsKey::SharingState, true);
 
     ZTSharingExportController exporter;
