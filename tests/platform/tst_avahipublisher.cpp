@@ -157,13 +157,15 @@ void TestAvahiPublisher::publishesAndBrowsesInPrivateNetwork()
     config.write(s_avahiConfig);
     config.close();
     // Inside: loopback up, a private /run for the bus and the daemon, both
-    // ended with the namespace's first process.
-    const QString script =
-        QStringLiteral("set -e; PATH=$PATH:/usr/sbin:/sbin; ip link set lo up; mount -t tmpfs tmpfs /run; "
-                       "mkdir -p /run/dbus /run/avahi-daemon; dbus-daemon --system --fork --nopidfile; "
-                       "avahi-daemon -f \"$1\" --no-drop-root --no-chroot --no-rlimits -D; "
-                       "for i in $(seq 50); do avahi-daemon -c 2>/dev/null && break; sleep 0.1; done; "
-                       "exec \"$2\"");
+    // ended with the namespace's first process. When they cannot be set up
+    // (exit 77) the machine cannot host this test; the test proper runs after.
+    const QString script = QStringLiteral(
+        "PATH=$PATH:/usr/sbin:/sbin; "
+        "{ ip link set lo up && mount -t tmpfs tmpfs /run && mkdir -p /run/dbus /run/avahi-daemon && "
+        "dbus-daemon --system --fork --nopidfile && "
+        "avahi-daemon -f \"$1\" --no-drop-root --no-chroot --no-rlimits -D; } || exit 77; "
+        "for i in $(seq 50); do avahi-daemon -c 2>/dev/null && break; sleep 0.1; done; "
+        "exec \"$2\"");
     QProcess inner;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QString::fromLatin1(s_innerVariable), QStringLiteral("1"));
@@ -174,8 +176,9 @@ void TestAvahiPublisher::publishesAndBrowsesInPrivateNetwork()
                  config.fileName(), QCoreApplication::applicationFilePath()});
     QVERIFY(inner.waitForFinished(120000));
     const QString output = QString::fromUtf8(inner.readAllStandardOutput() + inner.readAllStandardError());
-    if (inner.exitCode() != 0 && output.contains(QLatin1String("mount:")))
-        QSKIP(qPrintable(QStringLiteral("cannot mount a private /run: ") + output.trimmed()));
+    if (inner.exitCode() == 77)
+        QSKIP(qPrintable(QStringLiteral("cannot start a bus and avahi-daemon in the namespace: ") +
+                         output.trimmed()));
     QVERIFY2(inner.exitCode() == 0, qPrintable(output));
     QVERIFY2(output.contains(QLatin1String("published and browsed Zettary Sharing [4242]")),
              qPrintable(output));
