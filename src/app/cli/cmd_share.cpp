@@ -80,6 +80,10 @@ int share(const QStringList &arguments)
 
     ZTAvahiPublisher publisher;
     ZTSharingExportController exporter;
+    // The window's exports use the common scratch folder; this process keeps its own.
+    QTemporaryDir scratch;
+    if (scratch.isValid())
+        exporter.setTempRootPath(scratch.filePath(QStringLiteral("ZettaryTempSharingExport")));
     ZTSharingController sharing(exporter, &publisher, libraries);
     sharing.webServer().setPort(port);
     QString error;
