@@ -27,6 +27,8 @@ int duplicates(const QStringList &args);
 int unlisted(const QStringList &args);
 int lend(const QStringList &args);
 int returnItem(const QStringList &args);
+int share(const QStringList &args);
+int shareExport(const QStringList &args);
 } // namespace ZTCliCommands
 
 namespace {
@@ -88,6 +90,12 @@ const ZTCli::Command s_commands[] = {
     {"unlisted", "PATH", "make a list \"Unlisted\" of items that are in no list", &ZTCliCommands::unlisted},
     {"lend", "PATH OID --to NAME [--email E] [--due YYYY-MM-DD]", "record a loan", &ZTCliCommands::lend},
     {"return", "PATH OID", "record that a lent item came back", &ZTCliCommands::returnItem},
+    {"share", "PATH... [--port N]",
+     "serve the libraries to the handheld companion until interrupted (Ctrl-C); announced as\n"
+     "      _zettary2._tcp. when an Avahi daemon runs; packages are kept in the cache folder",
+     &ZTCliCommands::share},
+    {"share-export", "PATH OUT.zip", "write the package the handheld companion downloads for a library",
+     &ZTCliCommands::shareExport},
 };
 } // namespace
 
