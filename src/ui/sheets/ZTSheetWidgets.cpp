@@ -66,6 +66,7 @@ QString typeOfBytes(const QByteArray &bytes)
 {
     QBuffer buffer;
     buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
     const QByteArray format = QImageReader::imageFormat(&buffer).toUpper();
     if (format == "JPG" || format == "JPEG")
         return QStringLiteral("JPEG");
@@ -158,7 +159,10 @@ ZTPartialDateField::ZTPartialDateField(Precision precision, QWidget *parent)
     m_button->setVisible(precision == Precision::Partial);
     m_button->setFocusPolicy(Qt::TabFocus);
     setFocusProxy(m_edit);
-    connect(m_edit, &QLineEdit::textEdited, this, &ZTPartialDateField::dateEdited);
+    connect(m_edit, &QLineEdit::textEdited, this, [this] {
+        m_known = parsed();
+        Q_EMIT dateEdited();
+    });
     connect(m_button, &QToolButton::clicked, this, [this] {
         setDateBit(m_bit.next());
         Q_EMIT dateEdited();
@@ -169,6 +173,7 @@ ZTPartialDateField::ZTPartialDateField(Precision precision, QWidget *parent)
 void ZTPartialDateField::setDate(const QDateTime &date, ZTDateBit bit)
 {
     m_bit = bit;
+    m_known = date;
     m_button->setText(ZTDateUtil::standardDateFormatStringForDateBit(bit));
     m_edit->setPlaceholderText(m_button->text());
     m_edit->setText(ZTDateUtil::displayString(date, bit));
@@ -176,20 +181,35 @@ void ZTPartialDateField::setDate(const QDateTime &date, ZTDateBit bit)
 
 void ZTPartialDateField::setDateBit(ZTDateBit bit)
 {
-    // The date typed so far is kept and shown with the parts the new bit knows.
+    // The whole date is kept while parts are hidden, so walking the bits
+    // round brings the day back.
     const QDateTime current = date();
+    if (current.isValid())
+        m_known = current;
     m_bit = bit;
     m_button->setText(ZTDateUtil::standardDateFormatStringForDateBit(bit));
     m_edit->setPlaceholderText(m_button->text());
     if (current.isValid())
-        m_edit->setText(ZTDateUtil::displayString(current, bit));
+        m_edit->setText(ZTDateUtil::displayString(m_known, bit));
 }
 
-QDateTime ZTPartialDateField::date() const
+QDateTime ZTPartialDateField::parsed() const
 {
     if (isBlank())
         return {};
     return ZTDateUtil::standardDateFormatterForDateBit(m_bit).dateFromString(m_edit->text());
+}
+
+QDateTime ZTPartialDateField::date() const
+{
+    const QDateTime shown = parsed();
+    if (!shown.isValid() || !m_known.isValid())
+        return shown;
+    // What the text shows agrees with the kept date: the hidden parts stay.
+    const QDate a = shown.date(), b = m_known.date();
+    const bool same = a.year() == b.year() && (!m_bit.knowsMonth() || a.month() == b.month()) &&
+                      (!m_bit.knowsDay() || a.day() == b.day());
+    return same ? m_known : shown;
 }
 
 bool ZTPartialDateField::isBlank() const

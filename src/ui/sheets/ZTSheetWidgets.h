@@ -63,10 +63,11 @@ Q_SIGNALS:
     void dateEdited();
 
 private:
-    void reformat();
+    QDateTime parsed() const;
     QLineEdit *m_edit;
     QToolButton *m_button;
     ZTDateBit m_bit;
+    QDateTime m_known;
 };
 
 // A price with its currency button; the button's menu offers every currency.
