@@ -74,6 +74,7 @@ ZTClearAttributesSheet::ZTClearAttributesSheet(ZTViewPipeline &pipeline, QWidget
     layout->addLayout(grid);
     layout->addStretch();
     layout->addWidget(buttons);
+    setMinimumWidth(560);
     updateClearButton();
 }
 

@@ -120,7 +120,7 @@ ZTItemSheet::ZTItemSheet(ZTViewPipeline &pipeline, QWidget *parent)
     layout->addWidget(m_header);
     layout->addLayout(middle, 1);
     layout->addLayout(bottom);
-    resize(720, 560);
+    resize(740, 640);
 }
 
 ZTItemSheet::~ZTItemSheet() = default;

@@ -81,6 +81,7 @@ QString typeOfBytes(const QByteArray &bytes)
 ZTRatingControl::ZTRatingControl(QWidget *parent) : QWidget(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setAccessibleName(tr("Rating"));
 }
 
@@ -110,8 +111,9 @@ void ZTRatingControl::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor on = palette().color(QPalette::Text);
     const QColor off = palette().color(QPalette::Mid);
+    const double top = (height() - s_starSize) / 2.0;
     for (int i = 0; i < 5; ++i) {
-        const QRectF box(2 + i * (s_starSize + s_starGap), 2, s_starSize, s_starSize);
+        const QRectF box(2 + i * (s_starSize + s_starGap), top, s_starSize, s_starSize);
         const QPainterPath path = starPath(box);
         if (i < m_rating)
             painter.fillPath(path, on);
@@ -154,7 +156,6 @@ ZTPartialDateField::ZTPartialDateField(Precision precision, QWidget *parent)
     layout->setSpacing(4);
     layout->addWidget(m_edit, 1);
     layout->addWidget(m_button);
-    m_button->setAutoRaise(true);
     m_button->setToolTip(tr("Click to choose which parts of the date are known"));
     m_button->setVisible(precision == Precision::Partial);
     m_button->setFocusPolicy(Qt::TabFocus);

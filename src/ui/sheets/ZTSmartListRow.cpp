@@ -85,6 +85,7 @@ ZTSmartListRow::ZTSmartListRow(ZTSmartListEntryController &entry, QWidget *paren
     m_add->setText(QStringLiteral("+"));
     m_add->setToolTip(tr("Add a condition"));
 
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_lhs);
