@@ -61,6 +61,7 @@ class TestItemSheet : public QObject {
 private Q_SLOTS:
     void addingSavesTheFieldsIntoANewItem();
     void escapeCancelsAnAddWithoutARow();
+    void aNewPriceTakesTheDefaultCurrency();
     void returnSavesAnEditedItem();
     void dateFormatButtonCyclesTheBit_data();
     void dateFormatButtonCyclesTheBit();
@@ -135,6 +136,24 @@ void TestItemSheet::escapeCancelsAnAddWithoutARow()
     QCOMPARE(f.itemCount(), 0);
     QVERIFY(!f.document().isDocumentEdited());
     QVERIFY(sheet.controller().itemDictionary().isEmpty());
+}
+
+void TestItemSheet::aNewPriceTakesTheDefaultCurrency()
+{
+    ZTSheetFixture f;
+    ZTSettings::setValue(ZTSettingsKey::DefaultCurrency, QStringLiteral("EUR"));
+    ZTItemSheet sheet(f.pipeline());
+    sheet.prepareToAdd();
+    auto *price = qobject_cast<ZTPriceField *>(sheet.fieldForKey(QStringLiteral("pricePaid")));
+    QVERIFY(price);
+    QCOMPARE(price->currencyButton()->text(), text("EUR"));
+    typeInto(lineEdit(sheet, "title"), text("Bought in Berlin"));
+    typeInto(price->lineEdit(), text("7,5"));
+    sheet.saveAndClose();
+    ZTItem *item = f.document().allItems().value(0);
+    QVERIFY(item);
+    QCOMPARE(item->pricePaidLocale(), text("EUR"));
+    QCOMPARE(item->valueForKey(QStringLiteral("pricePaid")).toDouble(), 7.5);
 }
 
 void TestItemSheet::returnSavesAnEditedItem()

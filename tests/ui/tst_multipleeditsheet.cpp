@@ -108,11 +108,19 @@ void TestMultipleEditSheet::untickedFieldsAreLeftAlone()
     typeInto(sheet.fieldForKey(QStringLiteral("location")), text("Attic"));
     sheet.checkBoxForKey(QStringLiteral("location"))->click();
     QVERIFY(!sheet.checkBoxForKey(QStringLiteral("location"))->isChecked());
+    // A date carries its bit: unticking the date leaves the bit alone too.
+    auto *date = qobject_cast<ZTPartialDateField *>(sheet.fieldForKey(QStringLiteral("datePublished")));
+    QVERIFY(date);
+    typeInto(date->lineEdit(), text("1999"));
+    QTest::mouseClick(date->formatButton(), Qt::LeftButton);
+    QVERIFY(sheet.checkBoxForKey(QStringLiteral("datePublished"))->isChecked());
+    sheet.checkBoxForKey(QStringLiteral("datePublished"))->click();
     QSignalSpy saved(&sheet, &ZTMultipleEditSheet::itemsSaved);
     sheet.save();
     QCOMPARE(saved.size(), 0);
     QCOMPARE(a->valueForKey(QStringLiteral("location")).toString(), text("Shelf 1"));
     QVERIFY(b->valueForKey(QStringLiteral("location")).toString().isEmpty());
+    QCOMPARE(a->valueForKey(QStringLiteral("datePublishedBitFlag")).toInt(), 0);
     QVERIFY(!f.document().isDocumentEdited());
 }
 

@@ -1,5 +1,6 @@
 #include "ui/sheets/ZTItemSheet.h"
 
+#include "app/ZTSettings.h"
 #include "library/ZTContacts.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemController.h"
@@ -236,8 +237,11 @@ QWidget *ZTItemSheet::makeField(const Field &field)
     case Type::Price: {
         auto *price = new ZTPriceField(this);
         price->setMaximumWidth(220);
-        connect(price, &ZTPriceField::priceEdited, this,
-                [this, price, key] { setValue(key, price->price()); });
+        // The amount is saved in the currency shown beside it.
+        connect(price, &ZTPriceField::priceEdited, this, [this, price, key, currencyKey = field.currencyKey] {
+            setValue(key, price->price());
+            setValue(currencyKey, price->currency());
+        });
         connect(price, &ZTPriceField::currencyChosen, this,
                 [this, price, key, currencyKey = field.currencyKey](const QString &code) {
                     setValue(currencyKey, code);
@@ -449,7 +453,10 @@ void ZTItemSheet::loadField(const Field &field)
     }
     case Type::Locale: {
         auto *combo = static_cast<QComboBox *>(editor);
-        const QString code = value.toString().isEmpty() ? QStringLiteral("US") : value.toString();
+        const QString code =
+            value.toString().isEmpty()
+                ? ZTSettings::value(ZTSettingsKey::DefaultLocale, QStringLiteral("US")).toString()
+                : value.toString();
         if (combo->findText(code) < 0)
             combo->addItem(code);
         combo->setCurrentText(code);
@@ -458,9 +465,13 @@ void ZTItemSheet::loadField(const Field &field)
     case Type::Grade:
         static_cast<QComboBox *>(editor)->setCurrentText(value.toString());
         break;
-    case Type::Price:
-        static_cast<ZTPriceField *>(editor)->setPrice(value, dictionary.value(field.currencyKey).toString());
-        break;
+    case Type::Price: {
+        // A new item takes the library's default currency, as the store gives it.
+        QString currency = dictionary.value(field.currencyKey).toString();
+        if (currency.isEmpty())
+            currency = ZTSettings::value(ZTSettingsKey::DefaultCurrency, QStringLiteral("USD")).toString();
+        static_cast<ZTPriceField *>(editor)->setPrice(value, currency);
+    } break;
     }
 }
 

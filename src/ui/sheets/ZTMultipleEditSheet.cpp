@@ -85,8 +85,13 @@ void ZTMultipleEditSheet::build()
         auto *box = new QCheckBox(ZTSheetFields::labelForKey(key, kind), content);
         box->setObjectName(key + QStringLiteral("Applies"));
         connect(box, &QCheckBox::toggled, this, [this, key](bool on) {
-            if (!m_loading)
-                m_controller->setApplies(key, on);
+            if (m_loading)
+                return;
+            m_controller->setApplies(key, on);
+            // A date's bit is applied with the date or not at all.
+            const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(key);
+            if (!bitKey.isEmpty())
+                m_controller->setApplies(bitKey, on);
         });
         QWidget *editor = makeEditor(key, attribute.type);
         editor->setParent(content);
