@@ -8,6 +8,7 @@
 
 #include "ZTSheetFixture.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QCheckBox>
 #include <QComboBox>
@@ -73,6 +74,7 @@ private Q_SLOTS:
     void ratingFromTheKeyboard();
     void bookRolesShowTranslatedAndStayStored();
     void movieActorsAndComicGradeSave();
+    void tabWalksTheFieldsInOrder();
 };
 
 void TestItemSheet::addingSavesTheFieldsIntoANewItem()
@@ -401,6 +403,45 @@ void TestItemSheet::movieActorsAndComicGradeSave()
         QCOMPARE(f.document().allItems().first()->valueForKey(QStringLiteral("grade")).toString(),
                  text("VF+"));
     }
+}
+
+void TestItemSheet::tabWalksTheFieldsInOrder()
+{
+    ZTSheetFixture f;
+    ZTItemSheet sheet(f.pipeline());
+    sheet.prepareToAdd();
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    QCOMPARE(QApplication::focusWidget(), sheet.fieldForKey(QStringLiteral("title")));
+    // Tab from the title: the fields of the page come in their order.
+    const QStringList order{QStringLiteral("title"), QStringLiteral("authorRoleDicts"),
+                            QStringLiteral("publisher"), QStringLiteral("placePublished"),
+                            QStringLiteral("datePublished")};
+    QStringList reached;
+    for (int i = 0; i < 12 && reached.size() < order.size(); ++i) {
+        for (QWidget *w = QApplication::focusWidget(); w && w != &sheet; w = w->parentWidget()) {
+            const QString key = w->objectName();
+            if (order.contains(key)) {
+                if (reached.isEmpty() || reached.last() != key)
+                    reached << key;
+                break;
+            }
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(reached, order);
+
+    // Typing into a cell edits it; Tab then keeps the text and leaves the table.
+    auto *authors = qobject_cast<ZTNameTable *>(sheet.fieldForKey(QStringLiteral("authorRoleDicts")));
+    authors->table()->setFocus();
+    authors->table()->setCurrentCell(0, 0);
+    QTest::keyClicks(authors->table(), text("Z"));
+    QVERIFY(authors->table()->isAncestorOf(QApplication::focusWidget()));
+    QTest::keyClicks(QApplication::focusWidget(), text("ola"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QVERIFY(!authors->table()->isAncestorOf(QApplication::focusWidget()));
+    QVERIFY(QApplication::focusWidget() != authors->table());
+    QCOMPARE(authors->cellRows(), QList<QStringList>{(QStringList{text("Zola"), QString()})});
 }
 
 QTEST_MAIN(TestItemSheet)

@@ -6,6 +6,7 @@
 
 #include "ZTSheetFixture.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -58,6 +59,7 @@ private Q_SLOTS:
     void editingRestoresARatingRange();
     void anyAndInTheLastAreStored();
     void escapeLeavesTheLibraryAlone();
+    void tabRunsAlongEachRowThenDown();
 };
 
 void TestSmartListSheet::addingShowsTheTextsAndSavesANewList()
@@ -253,6 +255,26 @@ void TestSmartListSheet::escapeLeavesTheLibraryAlone()
     QCOMPARE(sheet.result(), int(QDialog::Rejected));
     QVERIFY(f.document().smartLists().isEmpty());
     QVERIFY(!f.document().isDocumentEdited());
+}
+
+void TestSmartListSheet::tabRunsAlongEachRowThenDown()
+{
+    ZTSheetFixture f;
+    ZTSmartListSheet sheet(f.document());
+    sheet.prepareToAdd();
+    sheet.addRowAfter(0);
+    sheet.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&sheet));
+    ZTSmartListRow *first = sheet.row(0);
+    ZTSmartListRow *second = sheet.row(1);
+    choose(first->lhsPopUp(), text("Title"));
+    sheet.allAnyPopUp()->setFocus();
+    const QList<QWidget *> expected{first->lhsPopUp(),     first->operatorPopUp(), first->valueField(),
+                                    first->removeButton(), first->addButton(),     second->lhsPopUp()};
+    for (QWidget *next : expected) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(QApplication::focusWidget(), next);
+    }
 }
 
 QTEST_MAIN(TestSmartListSheet)

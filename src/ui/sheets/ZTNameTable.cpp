@@ -31,7 +31,38 @@ public:
         return editor;
     }
 
+    // Tab in a cell editor ends the edit and leaves the table, like Tab in
+    // any other field, rather than walking the cells.
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress) {
+            const int key = static_cast<QKeyEvent *>(event)->key();
+            auto *editor = qobject_cast<QWidget *>(object);
+            if (editor && (key == Qt::Key_Tab || key == Qt::Key_Backtab)) {
+                QWidget *view = editor->parentWidget() ? editor->parentWidget()->parentWidget() : nullptr;
+                Q_EMIT commitData(editor);
+                Q_EMIT closeEditor(editor, NoHint);
+                if (view)
+                    leave(view, key == Qt::Key_Tab);
+                return true;
+            }
+        }
+        return QStyledItemDelegate::eventFilter(object, event);
+    }
+
 private:
+    static void leave(QWidget *view, bool forward)
+    {
+        QWidget *next = view;
+        do {
+            next = forward ? next->nextInFocusChain() : next->previousInFocusChain();
+        } while (next && next != view &&
+                 (view->isAncestorOf(next) || !(next->focusPolicy() & Qt::TabFocus) || !next->isVisible() ||
+                  !next->isEnabled()));
+        if (next && next != view)
+            next->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    }
+
     const QStringList *m_values;
 };
 
@@ -66,7 +97,9 @@ ZTNameTable::ZTNameTable(const QStringList &headers, QWidget *parent)
     m_table->verticalHeader()->hide();
     m_table->verticalHeader()->setDefaultSectionSize(m_table->fontMetrics().height() + 8);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_table->setEditTriggers(QAbstractItemView::AllEditTriggers);
+    // Typing starts an edit; arriving by Tab does not, so Tab passes through.
+    m_table->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                             QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
     m_table->setTabKeyNavigation(false);
     m_table->setItemDelegate(new CompletingDelegate(&m_completion, m_table));
     m_table->setMinimumHeight(m_table->verticalHeader()->defaultSectionSize() * 4 + 4);

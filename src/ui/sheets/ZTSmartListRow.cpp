@@ -118,6 +118,12 @@ ZTSmartListRow::ZTSmartListRow(ZTSmartListEntryController &entry, QWidget *paren
     sync();
 }
 
+QList<QWidget *> ZTSmartListRow::focusChain() const
+{
+    return {m_lhs,    m_operator, m_value,     m_from,    m_to,     m_number,
+            m_period, m_stars,    m_fromStars, m_toStars, m_remove, m_add};
+}
+
 int ZTSmartListRow::rhsViewIndex() const
 {
     return m_rhs->currentIndex();

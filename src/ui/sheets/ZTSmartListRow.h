@@ -36,6 +36,8 @@ public:
 
     // Shows the entry's state: pop-ups, the view and its fields.
     void sync();
+    // The row's controls in the order Tab visits them, left to right.
+    QList<QWidget *> focusChain() const;
 
 Q_SIGNALS:
     void addClicked();

@@ -61,7 +61,8 @@ ZTSmartListSheet::ZTSmartListSheet(ZTDocument &document, QWidget *parent)
     scroll->setMinimumHeight(180);
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *cancel = buttons->addButton(text("Cancel"), QDialogButtonBox::RejectRole);
+    m_cancel = buttons->addButton(text("Cancel"), QDialogButtonBox::RejectRole);
+    QPushButton *cancel = m_cancel;
     // The message names "the Save button", so that is what it says.
     m_save = buttons->addButton(text("Save"), QDialogButtonBox::AcceptRole);
     m_save->setDefault(true);
@@ -131,13 +132,17 @@ void ZTSmartListSheet::rebuildRows(int focusRow)
                 [this, row] { removeRow(int(m_rows.indexOf(row))); });
         m_rows << row;
     }
+    // Tab runs down the rows, each left to right, and then to the buttons;
+    // controls of the views not shown are skipped by Qt.
     QWidget *previous = m_allAny;
     for (ZTSmartListRow *row : std::as_const(m_rows)) {
-        for (QWidget *w : std::initializer_list<QWidget *>{row->lhsPopUp(), row->operatorPopUp()}) {
+        for (QWidget *w : row->focusChain()) {
             setTabOrder(previous, w);
             previous = w;
         }
     }
+    setTabOrder(previous, m_cancel);
+    setTabOrder(m_cancel, m_save);
     if (ZTSmartListRow *row = m_rows.value(focusRow))
         row->lhsPopUp()->setFocus();
 }

@@ -66,4 +66,5 @@ private:
     QComboBox *m_allAny = nullptr;
     QVBoxLayout *m_rowLayout = nullptr;
     QPushButton *m_save = nullptr;
+    QPushButton *m_cancel = nullptr;
 };
