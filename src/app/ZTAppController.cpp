@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 namespace {
@@ -191,10 +192,10 @@ ZTAppController::StubTarget ZTAppController::resolveSearchStub(const QString &pa
 
 bool ZTAppController::shouldSwallowError(const QString &description)
 {
-    for (const QString &extension : s_stubExtensions)
-        if (description.contains(extension))
-            return true;
-    return false;
+    // A stub's extension is also the start of a library's (".ztmusic" in
+    // ".ztmusiclib"); errors about libraries must still be shown.
+    static const QRegularExpression stub(QStringLiteral("\\.zt(book|music|movie|comic)(?!lib)"));
+    return stub.match(description).hasMatch();
 }
 
 bool ZTAppController::isSharingExportPath(const QString &path)
@@ -254,3 +255,31 @@ QString ZTValueTransformers::numberToString(const QVariant &value)
 }
 
 qlonglong ZTValueTransformers::stringToNumber(const QString &text) { return text.trimmed().toLongLong(); }
+
+QString ZTDocumentDefaults::associateTagURLSuffix()
+{
+    const QString tag = ZTSettings::value(ZTSettingsKey::AssociateTag).toString();
+    return tag.isEmpty() ? QString() : QStringLiteral("/ref=nosim/%1").arg(tag);
+}
+
+QString ZTDocumentDefaults::defaultLocaleCode()
+{
+    const QString code = ZTSettings::value(ZTSettingsKey::DefaultLocale).toString();
+    if (code.isEmpty())
+        return QStringLiteral("US");
+    // Older settings name Britain by its common abbreviation.
+    return code == QLatin1String("UK") ? QStringLiteral("GB") : code;
+}
+
+QString ZTDocumentDefaults::defaultCurrencyCode()
+{
+    const QString code = ZTSettings::value(ZTSettingsKey::DefaultCurrency).toString();
+    return code.isEmpty() ? QStringLiteral("USD") : code;
+}
+
+bool ZTDocumentDefaults::shouldFetchCoverImages()
+{
+    return ZTSettings::value(ZTSettingsKey::CoverImagesState).toInt() != 0;
+}
+
+bool ZTDocumentDefaults::shouldSpeakTitles() { return ZTSettings::value(ZTSettingsKey::SpeakTitlesState).toBool(); }
