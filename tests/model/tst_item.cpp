@@ -367,6 +367,31 @@ private Q_SLOTS:
         QVERIFY(links.first().toMap().value(QStringLiteral("url")).toString().contains(QStringLiteral("4711")));
     }
 
+    void displayLabelsMapToKeysByKind()
+    {
+        const QVariantMap display{{QStringLiteral("Title"), QStringLiteral("Dune")},
+                                  {QStringLiteral("Date Read"), QDate(2020, 1, 2)},
+                                  {QStringLiteral("Authors"), QStringList{QStringLiteral("Frank Herbert")}},
+                                  {QStringLiteral("Directors"), QStringList{QStringLiteral("David Lynch")}}};
+        const QVariantMap book = ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Book, display, QStringLiteral("EUR"));
+        QCOMPARE(book.value(QStringLiteral("title")).toString(), QStringLiteral("Dune"));
+        QVERIFY(book.contains(QStringLiteral("dateUsed")));
+        QVERIFY(book.contains(QStringLiteral("authors")));
+        QVERIFY(!book.contains(QStringLiteral("directors")));
+        QCOMPARE(book.value(QStringLiteral("priceLocale")).toString(), QStringLiteral("EUR"));
+        QCOMPARE(book.value(QStringLiteral("lockedFlag")).toInt(), 0);
+        const QVariantMap movie = ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Movie, display, QStringLiteral("USD"));
+        QVERIFY(movie.contains(QStringLiteral("directors")));
+        QVERIFY(!movie.contains(QStringLiteral("dateUsed"))); // a movie's is "Date Viewed"
+        ZTLibraryFixture fixture;
+        auto document = fixture.open();
+        ZTBook *item = newBook(*document);
+        item->handleDisplayDictionary(display, QStringLiteral("GBP"));
+        QCOMPARE(item->authors(), QStringList{QStringLiteral("Frank Herbert")});
+        QVERIFY(item->isUsed());
+        QCOMPARE(item->priceLocale(), QStringLiteral("GBP"));
+    }
+
     void unreadableBlobsReadAsEmpty()
     {
         ZTLibraryFixture fixture;
