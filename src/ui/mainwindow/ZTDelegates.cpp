@@ -61,22 +61,42 @@ void ZTCountBadgeDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
 {
     const QString count = QString::number(index.data(m_countRole).toInt());
     const QFontMetrics metrics(option.font);
-    const int badgeWidth = metrics.horizontalAdvance(count) + 12;
-    QStyleOptionViewItem base = option;
-    base.rect.setRight(option.rect.right() - badgeWidth - 6);
-    QStyledItemDelegate::paint(painter, base, index);
+    const int badgeWidth = metrics.horizontalAdvance(count) + 14;
 
-    painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    const QRect badge(option.rect.right() - badgeWidth - 4,
-                      option.rect.center().y() - metrics.height() / 2 - 1, badgeWidth, metrics.height() + 2);
+    // The row's background first, over its full width, then the text beside the badge.
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    const QString text = row.text;
+    row.text.clear();
+    const QWidget *widget = option.widget;
+    QStyle *style = widget ? widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
+    QStyleOptionViewItem label = option;
+    initStyleOption(&label, index);
+    label.rect.setRight(option.rect.right() - badgeWidth - 8);
+    label.backgroundBrush = Qt::NoBrush;
+    label.state &= ~QStyle::State_HasFocus;
+    label.showDecorationSelected = false;
+    const QRect textRect = style->subElementRect(QStyle::SE_ItemViewItemText, &label, widget);
     const bool selected = option.state & QStyle::State_Selected;
-    QColor fill = selected ? option.palette.highlightedText().color() : option.palette.text().color();
-    fill.setAlphaF(selected ? 0.25 : 0.12);
+    const QColor textColour =
+        selected ? option.palette.highlightedText().color() : option.palette.text().color();
+    painter->save();
+    painter->setPen(textColour);
+    painter->setFont(option.font);
+    painter->drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft,
+                      metrics.elidedText(text, Qt::ElideRight, textRect.width()));
+    painter->setRenderHint(QPainter::Antialiasing);
+    const QRect badge(option.rect.right() - badgeWidth - 6, option.rect.center().y() - metrics.height() / 2,
+                      badgeWidth, metrics.height());
+    QColor fill = textColour;
+    fill.setAlphaF(selected ? 0.25 : 0.10);
     painter->setPen(Qt::NoPen);
     painter->setBrush(fill);
     painter->drawRoundedRect(badge, badge.height() / 2.0, badge.height() / 2.0);
-    painter->setPen(selected ? option.palette.highlightedText().color() : option.palette.text().color());
+    QColor countColour = textColour;
+    countColour.setAlphaF(selected ? 1.0 : 0.7);
+    painter->setPen(countColour);
     painter->drawText(badge, Qt::AlignCenter, count);
     painter->restore();
 }

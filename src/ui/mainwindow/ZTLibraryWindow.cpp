@@ -198,6 +198,8 @@ void ZTLibraryWindow::buildViews()
     m_filterValues = new QListWidget;
     m_filterValues->setItemDelegate(new ZTCountBarDelegate(m_filterValues));
     m_filterLabels->addItems(m_pipeline->filterKeys());
+    for (int i = 0; i < m_filterLabels->count(); ++i)
+        m_filterLabels->item(i)->setSizeHint(QSize(0, m_filterLabels->fontMetrics().height() + 8));
     connect(m_filterLabels, &QListWidget::currentRowChanged, this, &ZTLibraryWindow::filterLabelChanged);
     connect(m_filterValues, &QListWidget::currentRowChanged, this, &ZTLibraryWindow::filterValueChanged);
     auto *browser = new QSplitter(Qt::Horizontal);
