@@ -1,7 +1,9 @@
 #include "ui/ZTUi.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QIcon>
+#include <QPalette>
 #include <QStringList>
 #include <QStyle>
 #include <QStyleFactory>
@@ -29,4 +31,16 @@ void ZTUi::setUpApplication(QApplication &app)
         QStyleFactory::keys().contains(QStringLiteral("Fusion")) &&
         app.style()->name().compare(QLatin1String("windows"), Qt::CaseInsensitive) == 0)
         app.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    followPalette();
+}
+
+void ZTUi::followPalette()
+{
+    const QString theme = QIcon::themeName();
+    if (theme != QLatin1String("breeze") && theme != QLatin1String("breeze-dark"))
+        return;
+    const bool dark = QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    const QString wanted = dark ? QStringLiteral("breeze-dark") : QStringLiteral("breeze");
+    if (theme != wanted)
+        QIcon::setThemeName(wanted);
 }

@@ -2,12 +2,14 @@
 
 #include "library/ZTDocument.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
+#include <QTimeZone>
 
 namespace {
 const char *s_groups[] = {"books", "music", "movies", "comics"};
@@ -23,8 +25,15 @@ QList<QVariantMap> ZTSampleLibrary::entries(ZTMediaKind kind)
         QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String(s_groups[int(kind)])).toArray();
     QList<QVariantMap> result;
     for (const QJsonValue &value : array)
-        if (value.isObject())
-            result.append(value.toObject().toVariantMap());
+        if (value.isObject()) {
+            QVariantMap entry = value.toObject().toVariantMap();
+            // JSON has no dates: a year stands for the first of January of it.
+            const int year = entry.take(QStringLiteral("year")).toInt();
+            if (year > 0)
+                entry.insert(QStringLiteral("datePublished"),
+                             QDateTime(QDate(year, 1, 1), QTime(12, 0), QTimeZone::utc()));
+            result.append(entry);
+        }
     return result;
 }
 

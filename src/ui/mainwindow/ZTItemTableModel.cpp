@@ -88,22 +88,25 @@ int ZTItemTableModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : int(m_columnReaders.size());
 }
 
-QVariant ZTItemTableModel::displayValue(const Column &column, const ZTItem &item) const
+QString ZTItemTableModel::displayText(const QVariant &value, const QString &delimiter)
 {
-    const QVariant value = column.reader.get || column.reader.slot >= 0 ? column.reader.read(item)
-                                                                        : item.valueForKey(column.cell.key);
     if (!value.isValid() || value.isNull())
         return {};
-    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList) {
-        const QString delimiter =
-            column.cell.delimiter.isEmpty() ? QStringLiteral(", ") : column.cell.delimiter;
-        return value.toStringList().join(delimiter);
-    }
+    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList)
+        return value.toStringList().join(delimiter.isEmpty() ? QStringLiteral(", ") : delimiter);
     if (value.typeId() == QMetaType::QDateTime)
         return QLocale().toString(value.toDateTime().date(), QLocale::ShortFormat);
     if (value.typeId() == QMetaType::QDate)
         return QLocale().toString(value.toDate(), QLocale::ShortFormat);
     return value.toString();
+}
+
+QVariant ZTItemTableModel::displayValue(const Column &column, const ZTItem &item) const
+{
+    const QVariant value = column.reader.get || column.reader.slot >= 0 ? column.reader.read(item)
+                                                                        : item.valueForKey(column.cell.key);
+    const QString text = displayText(value, column.cell.delimiter);
+    return text.isEmpty() ? QVariant() : QVariant(text);
 }
 
 QPixmap ZTItemTableModel::cover(const QString &oid, ZTItem &item) const

@@ -26,6 +26,8 @@ public:
     // The standard columns of a kind, as a new library shows them.
     static QStringList standardColumns(ZTMediaKind kind);
     void setColumns(const QStringList &identifiers);
+    // A cell's text: lists joined by the delimiter (", " when none), dates in the user's short form.
+    static QString displayText(const QVariant &value, const QString &delimiter = {});
     const QStringList &columns() const { return m_columns; }
     QString columnIdentifier(int index) const { return m_columns.value(index); }
 

@@ -8,6 +8,7 @@
 #include "lists/ZTList.h"
 #include "lists/ZTListDrop.h"
 #include "model/ZTItem.h"
+#include "ui/ZTUi.h"
 #include "ui/mainwindow/ZTDelegates.h"
 #include "ui/mainwindow/ZTDragData.h"
 #include "ui/mainwindow/ZTItemTableModel.h"
@@ -826,6 +827,7 @@ void ZTLibraryWindow::applyPalette()
     // whether the desktop is light or dark.
     if (!m_listTable)
         return;
+    ZTUi::followPalette();
     QPalette side = palette();
     const bool dark = side.color(QPalette::Window).lightness() < 128;
     const QColor base = side.color(QPalette::Window);
