@@ -156,6 +156,7 @@ void ZTLibraryWindow::buildViews()
     };
     m_itemTable = makeTable(m_itemModel);
     m_filterTable = makeTable(m_filterModel);
+    m_filterTable->setEmptyText(tr("Choose a filter and a value above."));
 
     ZTTableHooks listHooks;
     listHooks.typeAhead = [this](const QString &text) { return m_pipeline->listTableTypeAhead(text); };
@@ -545,6 +546,14 @@ void ZTLibraryWindow::selectOids(const QStringList &oids)
 void ZTLibraryWindow::updateStatistics()
 {
     m_statistics->setText(m_pipeline->itemStatisticsString());
+    QString empty;
+    if (m_pipeline->usingSearch())
+        empty = tr("Nothing matches \"%1\".").arg(m_searchField->text());
+    else if (m_pipeline->isMainListSelected())
+        empty = tr("This library is empty.\nAdd items, or drop them here from another library.");
+    else
+        empty = tr("This list is empty.\nDrag items from the library onto the list to add them.");
+    m_itemTable->setEmptyText(empty);
 }
 
 void ZTLibraryWindow::setDetailVisible(bool visible)

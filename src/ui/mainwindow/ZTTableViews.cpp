@@ -5,6 +5,7 @@
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QPainter>
 
 namespace {
 // The row a drop lands on or above, and how; a drop below the last row goes
@@ -114,6 +115,22 @@ void ZTItemTableView::dragMoveEvent(QDragMoveEvent *event)
     QTableView::dragMoveEvent(event);
     if (!handleDrag(this, m_hooks, event, false))
         event->ignore();
+}
+
+void ZTItemTableView::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (m_emptyText.isEmpty() || (model() && model()->rowCount() > 0))
+        return;
+    QPainter painter(viewport());
+    QColor colour = palette().color(QPalette::Text);
+    colour.setAlphaF(0.45);
+    painter.setPen(colour);
+    QFont font = painter.font();
+    font.setPointSizeF(font.pointSizeF() * 1.25);
+    painter.setFont(font);
+    painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
+                     m_emptyText);
 }
 
 bool ZTItemTableView::performDrop(const QMimeData *data, const QPoint &pos)

@@ -24,15 +24,19 @@ public:
     void keyboardSearch(const QString &search) override;
     // Drops the data at a point of the viewport, as a drop event would.
     bool performDrop(const QMimeData *data, const QPoint &pos);
+    // The text shown in place of rows when there are none.
+    void setEmptyText(const QString &text) { m_emptyText = text; }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     ZTTableHooks m_hooks;
+    QString m_emptyText;
 };
 
 class ZTListTableView : public QListView {
