@@ -49,6 +49,12 @@ ZTLibraryWindow::ZTLibraryWindow(std::unique_ptr<ZTDocument> document, QWidget *
     : QMainWindow(parent), m_document(std::move(document))
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    showDocument();
+    resize(1180, 720);
+}
+
+void ZTLibraryWindow::showDocument()
+{
     m_pipeline = std::make_unique<ZTViewPipeline>(*m_document);
     m_operations = std::make_unique<ZTItemOperations>(*m_pipeline);
     ZTDragData::registerDocument(m_document.get());
@@ -59,13 +65,11 @@ ZTLibraryWindow::ZTLibraryWindow(std::unique_ptr<ZTDocument> document, QWidget *
     m_pipeline->updateMainCaches();
     m_pipeline->selectListRow(0);
     m_pipeline->updateItemStatistics();
-
     buildViews();
     buildMenus();
     connectActions();
     refresh();
     m_listTable->setCurrentIndex(m_listModel->index(0, 0));
-    resize(1180, 720);
 }
 
 ZTLibraryWindow::~ZTLibraryWindow()
@@ -128,23 +132,11 @@ void ZTLibraryWindow::buildViews()
         hooks.typeAhead = [this](const QString &text) { return m_pipeline->itemTableTypeAhead(text); };
         hooks.deletePressed = [this] { removeItems(false); };
         hooks.validateDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation *operation) {
-            ZTListViewState state{m_pipeline->selectedListRow(),
-                                  m_pipeline->usingSearch(),
-                                  m_pipeline->tab() == ZTViewPipeline::Tab::Main,
-                                  false,
-                                  m_pipeline->subItemOids(),
-                                  {},
-                                  {}};
+            const ZTListViewState state = viewState();
             return ZTListDrop(*m_document, state).validateDrop(drag, ZTDropTarget::ItemTable, row, operation);
         };
         hooks.acceptDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation operation) {
-            ZTListViewState state{m_pipeline->selectedListRow(),
-                                  m_pipeline->usingSearch(),
-                                  m_pipeline->tab() == ZTViewPipeline::Tab::Main,
-                                  false,
-                                  m_pipeline->subItemOids(),
-                                  {},
-                                  {}};
+            const ZTListViewState state = viewState();
             const bool done =
                 ZTListDrop(*m_document, state).acceptDrop(drag, ZTDropTarget::ItemTable, row, operation);
             if (done)
@@ -162,23 +154,11 @@ void ZTLibraryWindow::buildViews()
     listHooks.typeAhead = [this](const QString &text) { return m_pipeline->listTableTypeAhead(text); };
     listHooks.deletePressed = [this] { removeSelectedList(); };
     listHooks.validateDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation *operation) {
-        ZTListViewState state{m_pipeline->selectedListRow(),
-                              m_pipeline->usingSearch(),
-                              m_pipeline->tab() == ZTViewPipeline::Tab::Main,
-                              false,
-                              m_pipeline->subItemOids(),
-                              {},
-                              {}};
+        const ZTListViewState state = viewState();
         return ZTListDrop(*m_document, state).validateDrop(drag, ZTDropTarget::ListTable, row, operation);
     };
     listHooks.acceptDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation operation) {
-        ZTListViewState state{m_pipeline->selectedListRow(),
-                              m_pipeline->usingSearch(),
-                              m_pipeline->tab() == ZTViewPipeline::Tab::Main,
-                              false,
-                              m_pipeline->subItemOids(),
-                              {},
-                              {}};
+        const ZTListViewState state = viewState();
         const bool done =
             ZTListDrop(*m_document, state).acceptDrop(drag, ZTDropTarget::ListTable, row, operation);
         if (done) {
@@ -324,6 +304,16 @@ void ZTLibraryWindow::connectActions()
     m_actions.value(6009)->setCheckable(true);
     connect(m_lockAction, &QAction::triggered, this, [this] { setLocked(true); });
     connect(m_unlockAction, &QAction::triggered, this, [this] { setLocked(false); });
+}
+
+ZTListViewState ZTLibraryWindow::viewState() const
+{
+    ZTListViewState state;
+    state.selectedListRow = m_pipeline->selectedListRow();
+    state.usingSearch = m_pipeline->usingSearch();
+    state.mainTabShowing = m_pipeline->tab() == ZTViewPipeline::Tab::Main;
+    state.subItemOids = m_pipeline->subItemOids();
+    return state;
 }
 
 ZTItemTableView *ZTLibraryWindow::currentTable() const
@@ -788,17 +778,7 @@ bool ZTLibraryWindow::revert()
     m_pipeline.reset();
     m_document->close();
     m_document = std::move(fresh);
-    m_pipeline = std::make_unique<ZTViewPipeline>(*m_document);
-    m_operations = std::make_unique<ZTItemOperations>(*m_pipeline);
-    ZTDragData::registerDocument(m_document.get());
-    m_document->documentDidOpen();
-    m_pipeline->updateMainCaches();
-    m_pipeline->selectListRow(0);
-    m_pipeline->updateItemStatistics();
-    buildViews();
-    buildMenus();
-    connectActions();
-    refresh();
+    showDocument();
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "lists/ZTListDrop.h"
+
 #include <QHash>
 #include <QMainWindow>
 
@@ -87,6 +89,9 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    // Builds the pipeline, the views and the menus over m_document.
+    void showDocument();
+    ZTListViewState viewState() const;
     void buildViews();
     void buildMenus();
     void connectActions();
