@@ -346,6 +346,15 @@ private Q_SLOTS:
             QVERIFY(again.quit());
         }
         {
+            // Closing the last window by hand records it for the next start.
+            ZTApplicationController single;
+            QVERIFY(single.start({b}));
+            QVERIFY(single.windows().first()->close());
+            const auto last = ZTAppController::librariesToReopen();
+            QCOMPARE(last.size(), 1);
+            QCOMPARE(QFileInfo(last.first().path).fileName(), QStringLiteral("b.ztmusiclib"));
+        }
+        {
             ZTApplicationController bad;
             bad.newLibraryDialogHook = [&] { ++dialogs; };
             QVERIFY(!bad.start({m_dir.filePath(QStringLiteral("not-a-library.txt"))}));

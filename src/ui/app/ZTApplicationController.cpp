@@ -119,6 +119,12 @@ void ZTApplicationController::adopt(ZTLibraryWindow *window)
     connect(window, &ZTLibraryWindow::newLibraryRequested, this, &ZTApplicationController::createNewDocument);
     connect(window, &ZTLibraryWindow::openRequested, this, &ZTApplicationController::openDocument);
     connect(window, &ZTLibraryWindow::quitRequested, this, &ZTApplicationController::quit);
+    // Closing the last window ends the program here, so it counts as a quit:
+    // that library is the one to reopen.
+    connect(window, &ZTLibraryWindow::closing, this, [this, window] {
+        if (!m_quitting && windows() == QList<ZTLibraryWindow *>{window})
+            ZTAppController::recordOpenLibraries({{window->libraryPath(), false}});
+    });
     connect(window, &QObject::destroyed, this,
             [this] { m_windows.removeIf([](const QPointer<ZTLibraryWindow> &w) { return w.isNull(); }); });
 }

@@ -295,6 +295,11 @@ void ZTLibraryWindow::connectActions()
     on(6003, [this] { showFilterTab(false); });
     on(6004, [this] { showFilterTab(true); });
     on(6009, [this] { setDetailVisible(!isDetailVisible()); });
+    on(6006, [this] {
+        ZTItemTableView *table = currentTable();
+        for (int c = 1; c < table->model()->columnCount(); ++c)
+            table->resizeColumnToContents(c);
+    });
     on(7001, [this] { showMinimized(); });
     on(1001, [this] {
         QMessageBox::about(this, ZTMainMenu::titleForTag(1001),
@@ -800,6 +805,7 @@ void ZTLibraryWindow::closeEvent(QCloseEvent *event)
             return;
         }
     }
+    Q_EMIT closing();
     event->accept();
 }
 

@@ -83,6 +83,8 @@ Q_SIGNALS:
     void openRequested();
     void quitRequested();
     void sampleRequested();
+    // The window agreed to close (its library saved or changes discarded).
+    void closing();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
