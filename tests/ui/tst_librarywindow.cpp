@@ -265,6 +265,50 @@ private Q_SLOTS:
         QCOMPARE(window->itemModel()->rowCount(), 9);
     }
 
+    void columnsAndDetailAreRememberedPerLibrary_data()
+    {
+        QTest::addColumn<QByteArray>("damage");
+        QTest::newRow("kept file") << QByteArray();
+        QTest::newRow("garbage file") << QByteArray("\x00\xffnot a plist");
+    }
+    void columnsAndDetailAreRememberedPerLibrary()
+    {
+        QFETCH(QByteArray, damage);
+        auto window = openWindow(ZTMediaKind::Book, 3, QStringLiteral("display"));
+        QVERIFY(window);
+        const QString path = window->libraryPath();
+        QVERIFY(!window->itemModel()->columns().contains(QStringLiteral("rating")));
+        QVERIFY(!window->isDetailVisible());
+        window->setColumnShown(QStringLiteral("rating"), true);
+        window->setColumnShown(QStringLiteral("isbn"), false);
+        window->setDetailVisible(true);
+        window->itemTable()->setColumnWidth(1, 333);
+        QVERIFY(window->close());
+        window.reset();
+        if (!damage.isEmpty()) {
+            QFile file(QDir(path).filePath(QStringLiteral("display.plist")));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(damage);
+        }
+        auto document = ZTDocument::create(ZTMediaKind::Book);
+        QVERIFY(document->readFromURL(path));
+        ZTLibraryWindow again(std::move(document));
+        again.setAttribute(Qt::WA_DeleteOnClose, false);
+        const QStringList columns = again.itemModel()->columns();
+        if (damage.isEmpty()) {
+            QCOMPARE(columns.last(), QStringLiteral("rating"));
+            QVERIFY(!columns.contains(QStringLiteral("isbn")));
+            QVERIFY(again.isDetailVisible());
+            QCOMPARE(again.itemTable()->columnWidth(1), 333);
+            QCOMPARE(again.itemModel()->columnType(int(columns.indexOf(QStringLiteral("rating")))),
+                     QStringLiteral("rating"));
+        } else {
+            // An unreadable file gives the kind's standard columns.
+            QCOMPARE(columns, ZTItemTableModel::standardColumns(ZTMediaKind::Book));
+            QVERIFY(!again.isDetailVisible());
+        }
+    }
+
     void menuCarriesTheTitlesByTag_data()
     {
         QTest::addColumn<int>("tag");

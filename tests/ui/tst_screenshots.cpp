@@ -74,6 +74,7 @@ private:
         auto result = std::make_unique<ZTLibraryWindow>(std::move(document));
         result->setAttribute(Qt::WA_DeleteOnClose, false);
         result->resize(1280, 760);
+        result->setDetailVisible(true);
         result->show();
         return result;
     }

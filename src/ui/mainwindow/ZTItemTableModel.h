@@ -30,6 +30,11 @@ public:
     static QString displayText(const QVariant &value, const QString &delimiter = {});
     const QStringList &columns() const { return m_columns; }
     QString columnIdentifier(int index) const { return m_columns.value(index); }
+    // "text", "image", "rating", "boolean" …: how the column's cells are drawn.
+    QString columnType(int index) const
+    {
+        return index >= 0 && index < m_columnReaders.size() ? m_columnReaders[index].cell.type : QString();
+    }
 
     // Takes the pipeline's oids afresh.
     void reload();

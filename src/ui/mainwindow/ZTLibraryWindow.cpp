@@ -34,6 +34,7 @@
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -53,8 +54,34 @@ ZTLibraryWindow::ZTLibraryWindow(std::unique_ptr<ZTDocument> document, QWidget *
     resize(1180, 720);
 }
 
+namespace {
+int standardWidth(const QString &id)
+{
+    if (id == QLatin1String("cover"))
+        return 52;
+    if (id == QLatin1String("title"))
+        return 260;
+    if (id == QLatin1String("authors") || id == QLatin1String("artists") || id == QLatin1String("directors"))
+        return 180;
+    if (id == QLatin1String("rating"))
+        return 96;
+    return 110;
+}
+} // namespace
+
 void ZTLibraryWindow::showDocument()
 {
+    QList<ZTWindowDisplay::Column> standard;
+    for (const QString &id : ZTItemTableModel::standardColumns(m_document->mediaKind()))
+        standard.append({id, double(standardWidth(id))});
+    m_display = ZTWindowDisplay::load(m_document->documentPath(), standard);
+    if (!m_displaySaveTimer) {
+        // Column drags fire many resizes: the file is written once they settle.
+        m_displaySaveTimer = new QTimer(this);
+        m_displaySaveTimer->setSingleShot(true);
+        m_displaySaveTimer->setInterval(500);
+        connect(m_displaySaveTimer, &QTimer::timeout, this, &ZTLibraryWindow::saveDisplay);
+    }
     m_pipeline = std::make_unique<ZTViewPipeline>(*m_document);
     m_operations = std::make_unique<ZTItemOperations>(*m_pipeline);
     ZTDragData::registerDocument(m_document.get());
@@ -70,6 +97,90 @@ void ZTLibraryWindow::showDocument()
     connectActions();
     refresh();
     m_listTable->setCurrentIndex(m_listModel->index(0, 0));
+    m_detail->setVisible(m_display.isDetailPanelOpen);
+    m_actions.value(6009)->setChecked(m_display.isDetailPanelOpen);
+}
+
+void ZTLibraryWindow::applyColumns(ZTItemTableView *table)
+{
+    auto *model = static_cast<ZTItemTableModel *>(table->model());
+    QStringList identifiers;
+    for (const ZTWindowDisplay::Column &column : std::as_const(m_display.columns))
+        identifiers.append(column.identifier);
+    const QSignalBlocker block(table->horizontalHeader());
+    model->setColumns(identifiers);
+    model->reload();
+    const int rowHeight = qRound(m_display.rowHeight);
+    table->verticalHeader()->setDefaultSectionSize(rowHeight);
+    model->setCoverSize(rowHeight - 6);
+    if (m_display.fontSize > 0) {
+        QFont font = table->font();
+        font.setPointSizeF(m_display.fontSize);
+        table->setFont(font);
+    }
+    for (int c = 0; c < model->columnCount(); ++c) {
+        const QString id = model->columnIdentifier(c);
+        for (const ZTWindowDisplay::Column &column : std::as_const(m_display.columns))
+            if (column.identifier == id)
+                table->setColumnWidth(c, qRound(column.width));
+        table->setItemDelegateForColumn(
+            c, model->columnType(c) == QLatin1String("rating") ? new ZTRatingDelegate(table) : nullptr);
+    }
+}
+
+void ZTLibraryWindow::showColumnMenu(const QPoint &pos)
+{
+    auto *header = qobject_cast<QHeaderView *>(sender());
+    QMenu menu(this);
+    const ZTAttributeTables &tables = m_document->attributeTables();
+    QList<const ZTExportColumn *> columns;
+    for (const ZTExportColumn &column : tables.columnDictionary())
+        columns.append(&column);
+    std::sort(columns.begin(), columns.end(), [](const ZTExportColumn *a, const ZTExportColumn *b) {
+        return a->title.localeAwareCompare(b->title) < 0;
+    });
+    for (const ZTExportColumn *column : std::as_const(columns)) {
+        QAction *action = menu.addAction(column->title);
+        action->setCheckable(true);
+        action->setChecked(m_itemModel->columns().contains(column->key));
+        const QString key = column->key;
+        connect(action, &QAction::toggled, this, [this, key](bool on) { setColumnShown(key, on); });
+    }
+    menu.exec(header ? header->mapToGlobal(pos) : QCursor::pos());
+}
+
+void ZTLibraryWindow::setColumnShown(const QString &identifier, bool shown)
+{
+    auto it = std::find_if(m_display.columns.begin(), m_display.columns.end(),
+                           [&](const ZTWindowDisplay::Column &c) { return c.identifier == identifier; });
+    if (shown == (it != m_display.columns.end()))
+        return;
+    if (shown)
+        m_display.columns.append({identifier, double(standardWidth(identifier))});
+    else if (m_display.columns.size() > 1)
+        m_display.columns.erase(it);
+    applyColumns(m_itemTable);
+    applyColumns(m_filterTable);
+    updateSortIndicator();
+    saveDisplay();
+}
+
+void ZTLibraryWindow::columnResized(int logical, int, int newSize)
+{
+    auto *header = qobject_cast<QHeaderView *>(sender());
+    auto *model = header && header->parent() == m_filterTable ? m_filterModel : m_itemModel;
+    const QString id = model->columnIdentifier(logical);
+    for (ZTWindowDisplay::Column &column : m_display.columns)
+        if (column.identifier == id)
+            column.width = newSize;
+    m_displaySaveTimer->start();
+}
+
+void ZTLibraryWindow::saveDisplay()
+{
+    m_displaySaveTimer->stop();
+    m_display.isDetailPanelOpen = isDetailVisible();
+    m_display.save(m_document->documentPath());
 }
 
 ZTLibraryWindow::~ZTLibraryWindow()
@@ -100,32 +211,16 @@ void ZTLibraryWindow::buildViews()
     auto makeTable = [this](ZTItemTableModel *model) {
         auto *table = new ZTItemTableView;
         table->setModel(model);
-        table->verticalHeader()->setDefaultSectionSize(44);
-        model->setCoverSize(40);
-        const int rating = model->columns().indexOf(QStringLiteral("rating"));
-        auto *stars = new ZTRatingDelegate(table);
-        for (int c = 0; c < model->columnCount(); ++c) {
-            const QString id = model->columnIdentifier(c);
-            if (id == QLatin1String("cover"))
-                table->setColumnWidth(c, 52);
-            else if (id == QLatin1String("title"))
-                table->setColumnWidth(c, 260);
-            else if (id == QLatin1String("authors") || id == QLatin1String("artists") ||
-                     id == QLatin1String("directors"))
-                table->setColumnWidth(c, 180);
-            else if (c == rating)
-                table->setColumnWidth(c, 96);
-            else
-                table->setColumnWidth(c, 110);
-            if (model->data(model->index(0, c), ZTItemTableModel::ColumnTypeRole).toString() ==
-                    QLatin1String("rating") ||
-                id == QLatin1String("rating"))
-                table->setItemDelegateForColumn(c, stars);
-        }
         table->horizontalHeader()->setStretchLastSection(true);
         table->horizontalHeader()->setSortIndicatorShown(false);
         connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
                 &ZTLibraryWindow::headerClicked);
+        table->horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(table->horizontalHeader(), &QWidget::customContextMenuRequested, this,
+                &ZTLibraryWindow::showColumnMenu);
+        applyColumns(table);
+        connect(table->horizontalHeader(), &QHeaderView::sectionResized, this,
+                &ZTLibraryWindow::columnResized);
         connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
                 &ZTLibraryWindow::itemSelectionChanged);
         ZTTableHooks hooks;
@@ -554,6 +649,8 @@ void ZTLibraryWindow::updateStatistics()
 void ZTLibraryWindow::setDetailVisible(bool visible)
 {
     m_detail->setVisible(visible);
+    m_display.isDetailPanelOpen = visible;
+    m_displaySaveTimer->start();
     if (QAction *toggle = m_actions.value(6009))
         toggle->setChecked(visible);
 }
@@ -805,6 +902,7 @@ void ZTLibraryWindow::closeEvent(QCloseEvent *event)
             return;
         }
     }
+    saveDisplay();
     Q_EMIT closing();
     event->accept();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/ZTWindowDisplay.h"
 #include "lists/ZTListDrop.h"
 
 #include <QHash>
@@ -16,6 +17,7 @@ class QSplitter;
 class QStackedWidget;
 class QTabBar;
 class QTextBrowser;
+class QTimer;
 class ZTDocument;
 class ZTItemOperations;
 class ZTItemTableModel;
@@ -65,6 +67,9 @@ public:
     QAction *actionForTag(int tag) const { return m_actions.value(tag); }
     ZTItemTableModel *itemModel() const { return m_itemModel; }
     ZTItemTableModel *filterModel() const { return m_filterModel; }
+    const ZTWindowDisplay &display() const { return m_display; }
+    // Shows or hides a column in both tables and remembers it for this library.
+    void setColumnShown(const QString &identifier, bool shown);
 
     // Menu commands.
     bool save();
@@ -95,6 +100,11 @@ private:
     void showDocument();
     ZTListViewState viewState() const;
     void buildViews();
+    void applyColumns(ZTItemTableView *table);
+    void showColumnMenu(const QPoint &pos);
+    void toggleColumn(const QString &identifier);
+    void columnResized(int logical, int oldSize, int newSize);
+    void saveDisplay();
     void buildMenus();
     void connectActions();
     void listSelectionChanged();
@@ -135,5 +145,7 @@ private:
     QAction *m_lockAction = nullptr;
     QAction *m_unlockAction = nullptr;
     Question m_question;
+    ZTWindowDisplay m_display;
+    QTimer *m_displaySaveTimer = nullptr;
     bool m_refreshing = false;
 };
