@@ -98,7 +98,12 @@ QString ZTItemTableModel::displayText(const QVariant &value, const QString &deli
         return QLocale().toString(value.toDateTime().date(), QLocale::ShortFormat);
     if (value.typeId() == QMetaType::QDate)
         return QLocale().toString(value.toDate(), QLocale::ShortFormat);
-    return value.toString();
+    // Some keys hand dates over in their stored text form.
+    const QString text = value.toString();
+    if (text.size() >= 19 && text.at(10) == QLatin1Char('T'))
+        if (const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs); date.isValid())
+            return QLocale().toString(date.date(), QLocale::ShortFormat);
+    return text;
 }
 
 QVariant ZTItemTableModel::displayValue(const Column &column, const ZTItem &item) const

@@ -687,11 +687,10 @@ void ZTLibraryWindow::updateDetail()
         const ZTExportColumn *column = tables.column(key);
         if (!column || !item->hasKey(key))
             continue;
-        const QVariant value = item->valueForKey(key);
-        const QString text =
-            value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList
-                ? value.toStringList().join(QStringLiteral(", "))
-                : value.toString();
+        // Read as the table's cell reads it, so dates and people look the same in both.
+        const ZTCellReader cell = tables.tableViewEntry(key);
+        const QString text = ZTItemTableModel::displayText(
+            item->valueForKey(cell.key.isEmpty() ? key : cell.key), QStringLiteral(", "));
         if (text.trimmed().isEmpty() || text == QLatin1String("0"))
             continue;
         html += QStringLiteral("<tr><td style='color:gray' align='right'>%1</td><td>%2</td></tr>")
