@@ -1,13 +1,17 @@
 #include "ui/ZTUi.h"
+#include "ui/app/ZTApplicationController.h"
 
 #include <QApplication>
-#include <QLabel>
 
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
     ZTUi::setUpApplication(app);
-    QLabel label(QStringLiteral("Zettary"));
-    label.show();
+    app.setApplicationVersion(QStringLiteral(ZETTARY_VERSION));
+    ZTApplicationController controller;
+    QStringList arguments = app.arguments();
+    arguments.removeFirst();
+    if (!controller.start(arguments))
+        return 0;
     return app.exec();
 }

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+// The per-library window state kept beside the store as "display.plist":
+// columns and their widths, row height, font size, the detail panel. It is
+// saved apart from the store, so resizing a column needs no library save.
+class ZTWindowDisplay {
+public:
+    struct Column {
+        QString identifier;
+        double width = 100.0;
+    };
+
+    static QString fileName() { return QStringLiteral("display.plist"); }
+    static constexpr double s_defaultRowHeight = 62.0;
+
+    // Reads the package's file; anything missing or unreadable keeps the defaults.
+    static ZTWindowDisplay load(const QString &packagePath, const QList<Column> &standardColumns);
+    bool save(const QString &packagePath) const;
+
+    QList<Column> columns;
+    double rowHeight = s_defaultRowHeight;
+    double fontSize = 0; // 0: the desktop's font
+    bool isDetailPanelOpen = false;
+    // Keys this program does not use yet travel through unchanged.
+    QVariantMap dictionary;
+};

@@ -1,0 +1,932 @@
+#include "ui/mainwindow/ZTLibraryWindow.h"
+
+#include "app/ZTSettings.h"
+#include "library/ZTAttributeTables.h"
+#include "library/ZTDocument.h"
+#include "library/ZTItemOperations.h"
+#include "library/ZTViewPipeline.h"
+#include "lists/ZTList.h"
+#include "lists/ZTListDrop.h"
+#include "model/ZTItem.h"
+#include "ui/ZTUi.h"
+#include "ui/mainwindow/ZTDelegates.h"
+#include "ui/mainwindow/ZTDragData.h"
+#include "ui/mainwindow/ZTItemTableModel.h"
+#include "ui/mainwindow/ZTListTableModel.h"
+#include "ui/mainwindow/ZTMainMenu.h"
+#include "ui/mainwindow/ZTTableViews.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QBuffer>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTextBrowser>
+#include <QTimer>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+// Keys the detail panel shows under the title, in order, where the kind has them.
+const QStringList s_detailKeys = {"authors",  "artists",  "directors",     "actors", "publisher",
+                                  "label",    "studio",   "datePublished", "isbn",   "upc",
+                                  "pages",    "duration", "issueNumber",   "genre",  "format",
+                                  "location", "notes"};
+} // namespace
+
+ZTLibraryWindow::ZTLibraryWindow(std::unique_ptr<ZTDocument> document, QWidget *parent)
+    : QMainWindow(parent), m_document(std::move(document))
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    showDocument();
+    resize(1180, 720);
+}
+
+namespace {
+int standardWidth(const QString &id)
+{
+    if (id == QLatin1String("cover"))
+        return 52;
+    if (id == QLatin1String("title"))
+        return 260;
+    if (id == QLatin1String("authors") || id == QLatin1String("artists") || id == QLatin1String("directors"))
+        return 180;
+    if (id == QLatin1String("rating"))
+        return 96;
+    return 110;
+}
+} // namespace
+
+void ZTLibraryWindow::showDocument()
+{
+    QList<ZTWindowDisplay::Column> standard;
+    for (const QString &id : ZTItemTableModel::standardColumns(m_document->mediaKind()))
+        standard.append({id, double(standardWidth(id))});
+    m_display = ZTWindowDisplay::load(m_document->documentPath(), standard);
+    if (!m_displaySaveTimer) {
+        // Column drags fire many resizes: the file is written once they settle.
+        m_displaySaveTimer = new QTimer(this);
+        m_displaySaveTimer->setSingleShot(true);
+        m_displaySaveTimer->setInterval(500);
+        connect(m_displaySaveTimer, &QTimer::timeout, this, &ZTLibraryWindow::saveDisplay);
+    }
+    m_pipeline = std::make_unique<ZTViewPipeline>(*m_document);
+    m_operations = std::make_unique<ZTItemOperations>(*m_pipeline);
+    ZTDragData::registerDocument(m_document.get());
+    const QVariant display = ZTSettings::value(ZTSettingsKey::StatisticsDisplay);
+    if (display.isValid())
+        m_pipeline->setStatisticsDisplayDictionary(display.toMap());
+    m_document->documentDidOpen();
+    m_pipeline->updateMainCaches();
+    m_pipeline->selectListRow(0);
+    m_pipeline->updateItemStatistics();
+    buildViews();
+    buildMenus();
+    connectActions();
+    refresh();
+    m_listTable->setCurrentIndex(m_listModel->index(0, 0));
+    m_detail->setVisible(m_display.isDetailPanelOpen);
+    m_actions.value(6009)->setChecked(m_display.isDetailPanelOpen);
+}
+
+void ZTLibraryWindow::applyColumns(ZTItemTableView *table)
+{
+    auto *model = static_cast<ZTItemTableModel *>(table->model());
+    QStringList identifiers;
+    for (const ZTWindowDisplay::Column &column : std::as_const(m_display.columns))
+        identifiers.append(column.identifier);
+    const QSignalBlocker block(table->horizontalHeader());
+    model->setColumns(identifiers);
+    model->reload();
+    const int rowHeight = qRound(m_display.rowHeight);
+    table->verticalHeader()->setDefaultSectionSize(rowHeight);
+    model->setCoverSize(rowHeight - 6);
+    if (m_display.fontSize > 0) {
+        QFont font = table->font();
+        font.setPointSizeF(m_display.fontSize);
+        table->setFont(font);
+    }
+    for (int c = 0; c < model->columnCount(); ++c) {
+        const QString id = model->columnIdentifier(c);
+        for (const ZTWindowDisplay::Column &column : std::as_const(m_display.columns))
+            if (column.identifier == id)
+                table->setColumnWidth(c, qRound(column.width));
+        table->setItemDelegateForColumn(
+            c, model->columnType(c) == QLatin1String("rating") ? new ZTRatingDelegate(table) : nullptr);
+    }
+}
+
+void ZTLibraryWindow::showColumnMenu(const QPoint &pos)
+{
+    auto *header = qobject_cast<QHeaderView *>(sender());
+    QMenu menu(this);
+    const ZTAttributeTables &tables = m_document->attributeTables();
+    QList<const ZTExportColumn *> columns;
+    for (const ZTExportColumn &column : tables.columnDictionary())
+        columns.append(&column);
+    std::sort(columns.begin(), columns.end(), [](const ZTExportColumn *a, const ZTExportColumn *b) {
+        return a->title.localeAwareCompare(b->title) < 0;
+    });
+    for (const ZTExportColumn *column : std::as_const(columns)) {
+        QAction *action = menu.addAction(column->title);
+        action->setCheckable(true);
+        action->setChecked(m_itemModel->columns().contains(column->key));
+        const QString key = column->key;
+        connect(action, &QAction::toggled, this, [this, key](bool on) { setColumnShown(key, on); });
+    }
+    menu.exec(header ? header->mapToGlobal(pos) : QCursor::pos());
+}
+
+void ZTLibraryWindow::setColumnShown(const QString &identifier, bool shown)
+{
+    auto it = std::find_if(m_display.columns.begin(), m_display.columns.end(),
+                           [&](const ZTWindowDisplay::Column &c) { return c.identifier == identifier; });
+    if (shown == (it != m_display.columns.end()))
+        return;
+    if (shown)
+        m_display.columns.append({identifier, double(standardWidth(identifier))});
+    else if (m_display.columns.size() > 1)
+        m_display.columns.erase(it);
+    applyColumns(m_itemTable);
+    applyColumns(m_filterTable);
+    updateSortIndicator();
+    saveDisplay();
+}
+
+void ZTLibraryWindow::columnResized(int logical, int, int newSize)
+{
+    auto *header = qobject_cast<QHeaderView *>(sender());
+    auto *model = header && header->parent() == m_filterTable ? m_filterModel : m_itemModel;
+    const QString id = model->columnIdentifier(logical);
+    for (ZTWindowDisplay::Column &column : m_display.columns)
+        if (column.identifier == id)
+            column.width = newSize;
+    m_displaySaveTimer->start();
+}
+
+void ZTLibraryWindow::saveDisplay()
+{
+    m_displaySaveTimer->stop();
+    m_display.isDetailPanelOpen = isDetailVisible();
+    m_display.save(m_document->documentPath());
+}
+
+ZTLibraryWindow::~ZTLibraryWindow()
+{
+    ZTDragData::unregisterDocument(m_document.get());
+    // The views hold pointers into the document: let them go first.
+    delete centralWidget();
+}
+
+QString ZTLibraryWindow::libraryPath() const
+{
+    return m_document->documentPath();
+}
+
+void ZTLibraryWindow::buildViews()
+{
+    m_listModel = new ZTListTableModel(*m_document, this);
+    m_itemModel = new ZTItemTableModel(
+        *m_document, [this] { return m_pipeline->baseOids(); }, this);
+    m_filterModel = new ZTItemTableModel(
+        *m_document, [this] { return m_pipeline->subItemOids(); }, this);
+
+    m_listTable = new ZTListTableView;
+    m_listTable->setModel(m_listModel);
+    m_listTable->setItemDelegate(new ZTCountBadgeDelegate(ZTListTableModel::CountRole, m_listTable));
+    m_listTable->setMinimumWidth(170);
+
+    auto makeTable = [this](ZTItemTableModel *model) {
+        auto *table = new ZTItemTableView;
+        table->setModel(model);
+        table->horizontalHeader()->setStretchLastSection(true);
+        table->horizontalHeader()->setSortIndicatorShown(false);
+        connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
+                &ZTLibraryWindow::headerClicked);
+        table->horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(table->horizontalHeader(), &QWidget::customContextMenuRequested, this,
+                &ZTLibraryWindow::showColumnMenu);
+        applyColumns(table);
+        connect(table->horizontalHeader(), &QHeaderView::sectionResized, this,
+                &ZTLibraryWindow::columnResized);
+        connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+                &ZTLibraryWindow::itemSelectionChanged);
+        ZTTableHooks hooks;
+        hooks.typeAhead = [this](const QString &text) { return m_pipeline->itemTableTypeAhead(text); };
+        hooks.deletePressed = [this] { removeItems(false); };
+        hooks.validateDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation *operation) {
+            const ZTListViewState state = viewState();
+            return ZTListDrop(*m_document, state).validateDrop(drag, ZTDropTarget::ItemTable, row, operation);
+        };
+        hooks.acceptDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation operation) {
+            const ZTListViewState state = viewState();
+            const bool done =
+                ZTListDrop(*m_document, state).acceptDrop(drag, ZTDropTarget::ItemTable, row, operation);
+            if (done)
+                afterItemsChanged(true);
+            return done;
+        };
+        table->setHooks(hooks);
+        return table;
+    };
+    m_itemTable = makeTable(m_itemModel);
+    m_filterTable = makeTable(m_filterModel);
+    m_filterTable->setEmptyText(tr("Choose a filter and a value above."));
+
+    ZTTableHooks listHooks;
+    listHooks.typeAhead = [this](const QString &text) { return m_pipeline->listTableTypeAhead(text); };
+    listHooks.deletePressed = [this] { removeSelectedList(); };
+    listHooks.validateDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation *operation) {
+        const ZTListViewState state = viewState();
+        return ZTListDrop(*m_document, state).validateDrop(drag, ZTDropTarget::ListTable, row, operation);
+    };
+    listHooks.acceptDrop = [this](const ZTDragInfo &drag, int row, ZTDropOperation operation) {
+        const ZTListViewState state = viewState();
+        const bool done =
+            ZTListDrop(*m_document, state).acceptDrop(drag, ZTDropTarget::ListTable, row, operation);
+        if (done) {
+            m_document->updateChangeCount(ZTDocument::ChangeType::Done);
+            afterItemsChanged(true);
+        }
+        return done;
+    };
+    m_listTable->setHooks(listHooks);
+    connect(m_listTable->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &ZTLibraryWindow::listSelectionChanged);
+    connect(m_listModel, &ZTListTableModel::listRenamed, this, [this] {
+        m_document->updateChangeCount(ZTDocument::ChangeType::Done);
+        updateTitle();
+    });
+
+    // The filter tab: labels, values with their count bars, and the matches.
+    m_filterLabels = new QListWidget;
+    m_filterValues = new QListWidget;
+    m_filterValues->setItemDelegate(new ZTCountBarDelegate(m_filterValues));
+    m_filterLabels->addItems(m_pipeline->filterKeys());
+    for (int i = 0; i < m_filterLabels->count(); ++i)
+        m_filterLabels->item(i)->setSizeHint(QSize(0, m_filterLabels->fontMetrics().height() + 8));
+    connect(m_filterLabels, &QListWidget::currentRowChanged, this, &ZTLibraryWindow::filterLabelChanged);
+    connect(m_filterValues, &QListWidget::currentRowChanged, this, &ZTLibraryWindow::filterValueChanged);
+    auto *browser = new QSplitter(Qt::Horizontal);
+    browser->addWidget(m_filterLabels);
+    browser->addWidget(m_filterValues);
+    auto *filterPage = new QSplitter(Qt::Vertical);
+    filterPage->addWidget(browser);
+    filterPage->addWidget(m_filterTable);
+    filterPage->setSizes({200, 400});
+
+    m_pages = new QStackedWidget;
+    m_pages->addWidget(m_itemTable);
+    m_pages->addWidget(filterPage);
+
+    m_tabs = new QTabBar;
+    m_tabs->addTab(QIcon::fromTheme(QStringLiteral("view-list-details")), tr("List"));
+    m_tabs->addTab(QIcon::fromTheme(QStringLiteral("view-filter")), tr("Filter"));
+    m_tabs->setDrawBase(false);
+    connect(m_tabs, &QTabBar::currentChanged, this, [this](int index) { showFilterTab(index == 1); });
+
+    m_searchField = new QLineEdit;
+    m_searchField->setPlaceholderText(tr("Search"));
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->addAction(QIcon::fromTheme(QStringLiteral("edit-find")), QLineEdit::LeadingPosition);
+    m_searchField->setMaximumWidth(280);
+    connect(m_searchField, &QLineEdit::textChanged, this, &ZTLibraryWindow::setSearchText);
+
+    m_statistics = new QLabel;
+    m_statistics->setAlignment(Qt::AlignCenter);
+    m_statistics->setContentsMargins(6, 4, 6, 4);
+
+    m_detail = new QTextBrowser;
+    m_detail->setMinimumWidth(240);
+    m_detail->setOpenLinks(false);
+    m_detail->setFrameShape(QFrame::NoFrame);
+
+    auto *top = new QHBoxLayout;
+    top->setContentsMargins(8, 6, 8, 6);
+    top->setSpacing(8);
+    top->addWidget(m_tabs);
+    top->addStretch(1);
+    top->addWidget(m_searchField);
+
+    auto *centre = new QWidget;
+    auto *centreLayout = new QVBoxLayout(centre);
+    centreLayout->setContentsMargins(0, 0, 0, 0);
+    centreLayout->setSpacing(0);
+    centreLayout->addLayout(top);
+    centreLayout->addWidget(m_pages, 1);
+    centreLayout->addWidget(m_statistics);
+
+    m_splitter = new QSplitter(Qt::Horizontal);
+    m_splitter->addWidget(m_listTable);
+    m_splitter->addWidget(centre);
+    m_splitter->addWidget(m_detail);
+    m_splitter->setStretchFactor(1, 1);
+    m_splitter->setCollapsible(1, false);
+    m_splitter->setSizes({200, 720, 260});
+    setCentralWidget(m_splitter);
+    applyPalette();
+}
+
+void ZTLibraryWindow::buildMenus()
+{
+    m_actions = ZTMainMenu::build(menuBar(), this);
+    QMenu *itemMenu = m_actions.value(4000)->menu();
+    QAction *before = m_actions.value(4006);
+    itemMenu->insertSeparator(before);
+    m_lockAction = new QAction(QIcon::fromTheme(QStringLiteral("object-locked")), tr("Lock"), this);
+    m_unlockAction = new QAction(QIcon::fromTheme(QStringLiteral("object-unlocked")), tr("Unlock"), this);
+    itemMenu->insertAction(before, m_lockAction);
+    itemMenu->insertAction(before, m_unlockAction);
+    auto *ratingMenu = new QMenu(tr("Rating"), itemMenu);
+    for (int rating = 0; rating <= 5; ++rating) {
+        QAction *action = ratingMenu->addAction(rating == 0 ? tr("None") : QString(rating, QChar(0x2605)));
+        connect(action, &QAction::triggered, this, [this, rating] { setRating(rating); });
+        m_ratingActions.append(action);
+    }
+    itemMenu->insertMenu(before, ratingMenu);
+    auto *toolbar = addToolBar(tr("Toolbar"));
+    toolbar->setObjectName(QStringLiteral("mainToolbar"));
+    toolbar->setMovable(false);
+    toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    toolbar->setIconSize(QSize(22, 22));
+    for (int tag : {4002, 4004, 5001, 6009})
+        toolbar->addAction(m_actions.value(tag));
+}
+
+void ZTLibraryWindow::connectActions()
+{
+    auto on = [this](int tag, auto slot) {
+        QAction *action = m_actions.value(tag);
+        if (!action)
+            return;
+        action->setEnabled(true);
+        connect(action, &QAction::triggered, this, slot);
+    };
+    on(2001, [this] { Q_EMIT newLibraryRequested(); });
+    on(2002, [this] { Q_EMIT openRequested(); });
+    on(2005, [this] { close(); });
+    on(2006, [this] { save(); });
+    on(2008, [this] { revert(); });
+    on(1009, [this] { Q_EMIT quitRequested(); });
+    on(3007, [this] { currentTable()->selectAll(); });
+    on(3006, [this] { removeItems(false); });
+    on(4004, [this] { removeItems(true); });
+    on(4005, [this] { duplicateItems(); });
+    on(4008, [this] { findDuplicates(); });
+    on(4009, [this] { findUnlisted(); });
+    on(5001, [this] { addList(); });
+    on(6003, [this] { showFilterTab(false); });
+    on(6004, [this] { showFilterTab(true); });
+    on(6009, [this] { setDetailVisible(!isDetailVisible()); });
+    on(6006, [this] {
+        ZTItemTableView *table = currentTable();
+        for (int c = 1; c < table->model()->columnCount(); ++c)
+            table->resizeColumnToContents(c);
+    });
+    on(7001, [this] { showMinimized(); });
+    on(1001, [this] {
+        QMessageBox::about(this, ZTMainMenu::titleForTag(1001),
+                           tr("<b>Zettary</b> %1<br>A cataloguer for books, music, movies and comics.")
+                               .arg(QStringLiteral(ZETTARY_VERSION)));
+    });
+    m_actions.value(6009)->setCheckable(true);
+    connect(m_lockAction, &QAction::triggered, this, [this] { setLocked(true); });
+    connect(m_unlockAction, &QAction::triggered, this, [this] { setLocked(false); });
+}
+
+ZTListViewState ZTLibraryWindow::viewState() const
+{
+    ZTListViewState state;
+    state.selectedListRow = m_pipeline->selectedListRow();
+    state.usingSearch = m_pipeline->usingSearch();
+    state.mainTabShowing = m_pipeline->tab() == ZTViewPipeline::Tab::Main;
+    state.subItemOids = m_pipeline->subItemOids();
+    return state;
+}
+
+ZTItemTableView *ZTLibraryWindow::currentTable() const
+{
+    return m_pipeline->tab() == ZTViewPipeline::Tab::Filter ? m_filterTable : m_itemTable;
+}
+
+void ZTLibraryWindow::refresh()
+{
+    m_refreshing = true;
+    const int listRow = m_pipeline->selectedListRow();
+    m_listModel->reload();
+    m_listTable->setCurrentIndex(m_listModel->index(qBound(0, listRow, m_listModel->rowCount() - 1), 0));
+    m_itemModel->reload();
+    m_filterModel->reload();
+    reloadFilterValues();
+    updateSortIndicator();
+    m_refreshing = false;
+    updateStatistics();
+    updateDetail();
+    updateTitle();
+    updateActions();
+}
+
+void ZTLibraryWindow::selectListRow(int row)
+{
+    m_listTable->setCurrentIndex(m_listModel->index(row, 0));
+}
+
+void ZTLibraryWindow::listSelectionChanged()
+{
+    if (m_refreshing)
+        return;
+    const int row = m_listTable->currentIndex().isValid() ? m_listTable->currentIndex().row() : 0;
+    if (row == m_pipeline->selectedListRow() && !m_pipeline->usingSearch())
+        return;
+    {
+        const QSignalBlocker block(m_searchField);
+        m_searchField->clear();
+    }
+    m_pipeline->selectListRow(row);
+    refresh();
+}
+
+void ZTLibraryWindow::setSearchText(const QString &text)
+{
+    if (m_searchField->text() != text) {
+        const QSignalBlocker block(m_searchField);
+        m_searchField->setText(text);
+    }
+    if (!text.isEmpty() && m_pipeline->tab() != ZTViewPipeline::Tab::Main)
+        showFilterTab(false);
+    m_pipeline->controlTextDidChange(text);
+    // A search result is no stored list: sorting it changes nothing on disk.
+    if (m_pipeline->usingSearch() && !m_pipeline->currentSortedColumnDictArray().isEmpty())
+        m_pipeline->sortDisplayedOids();
+    m_itemModel->reload();
+    updateStatistics();
+    if (m_itemModel->rowCount() > 0 && !text.isEmpty())
+        m_itemTable->selectRow(0);
+}
+
+void ZTLibraryWindow::showFilterTab(bool filter)
+{
+    m_pipeline->setTab(filter ? ZTViewPipeline::Tab::Filter : ZTViewPipeline::Tab::Main);
+    {
+        const QSignalBlocker block(m_tabs);
+        m_tabs->setCurrentIndex(filter ? 1 : 0);
+    }
+    m_pages->setCurrentIndex(filter ? 1 : 0);
+    if (filter && m_filterLabels->currentRow() < 0 && m_filterLabels->count() > 0)
+        m_filterLabels->setCurrentRow(0);
+    m_pipeline->updateItemStatistics();
+    updateStatistics();
+    updateDetail();
+}
+
+void ZTLibraryWindow::chooseFilter(const QString &label, const QString &value)
+{
+    showFilterTab(true);
+    const auto labels = m_filterLabels->findItems(label, Qt::MatchExactly);
+    if (labels.isEmpty())
+        return;
+    m_filterLabels->setCurrentItem(labels.first());
+    const auto values = m_filterValues->findItems(value, Qt::MatchExactly);
+    if (!values.isEmpty())
+        m_filterValues->setCurrentItem(values.first());
+}
+
+void ZTLibraryWindow::filterLabelChanged()
+{
+    const QSignalBlocker block(m_filterValues);
+    m_pipeline->itemBrowserChanged(QStringList{});
+    reloadFilterValues();
+    m_filterModel->reload();
+    m_pipeline->updateItemStatistics();
+    updateStatistics();
+}
+
+void ZTLibraryWindow::reloadFilterValues()
+{
+    const QSignalBlocker block(m_filterValues);
+    const QString chosen = m_pipeline->browserValue();
+    m_filterValues->clear();
+    QListWidgetItem *label = m_filterLabels->currentItem();
+    if (!label)
+        return;
+    const QStringList values = m_pipeline->browserValues(label->text());
+    // Count bars come from the pipeline once the filter is chosen; until a
+    // value is picked the browser path holds the label alone.
+    m_pipeline->itemBrowserChanged(QStringList{label->text()});
+    const QVariantMap counts = m_pipeline->filterCountDictionary();
+    const QVariantList countList = counts.value(QStringLiteral("counts")).toList();
+    const int max = counts.value(QStringLiteral("max")).toInt();
+    for (int i = 0; i < values.size(); ++i) {
+        auto *item = new QListWidgetItem(values[i], m_filterValues);
+        const int count = i < countList.size() ? countList[i].toInt() : 0;
+        item->setData(ZTCountBarDelegate::CountRole, count);
+        item->setData(ZTCountBarDelegate::MaxRole, max);
+        item->setToolTip(QString::number(count));
+        item->setSizeHint(QSize(0, m_filterValues->fontMetrics().height() + 12));
+    }
+    if (!chosen.isEmpty()) {
+        const auto found = m_filterValues->findItems(chosen, Qt::MatchExactly);
+        if (!found.isEmpty()) {
+            m_filterValues->setCurrentItem(found.first());
+            m_pipeline->itemBrowserChanged(label->text(), chosen);
+        }
+    }
+}
+
+void ZTLibraryWindow::filterValueChanged()
+{
+    QListWidgetItem *label = m_filterLabels->currentItem();
+    QListWidgetItem *value = m_filterValues->currentItem();
+    if (!label)
+        return;
+    if (value)
+        m_pipeline->itemBrowserChanged(label->text(), value->text());
+    else
+        m_pipeline->itemBrowserChanged(QStringList{});
+    m_filterModel->reload();
+    m_pipeline->updateItemStatistics();
+    updateStatistics();
+}
+
+void ZTLibraryWindow::headerClicked(int section)
+{
+    auto *header = qobject_cast<QHeaderView *>(sender());
+    ZTItemTableModel *model = header && header->parent() == m_filterTable ? m_filterModel : m_itemModel;
+    const QString column = model->columnIdentifier(section);
+    const bool control = QApplication::keyboardModifiers() & Qt::ControlModifier;
+    const QStringList selected = selectedOids();
+    if (!m_pipeline->didClickTableColumn(column, section, control))
+        return;
+    m_itemModel->reload();
+    m_filterModel->reload();
+    updateSortIndicator();
+    selectOids(selected);
+}
+
+void ZTLibraryWindow::updateSortIndicator()
+{
+    const QList<ZTSortEntry> &entries = m_pipeline->currentSortedColumnDictArray();
+    for (ZTItemTableView *table : {m_itemTable, m_filterTable}) {
+        auto *model = static_cast<ZTItemTableModel *>(table->model());
+        QHeaderView *header = table->horizontalHeader();
+        if (entries.isEmpty()) {
+            header->setSortIndicatorShown(false);
+            continue;
+        }
+        const QString column =
+            m_document->attributeTables().columnForSortKey(entries.first().columnIdentifier);
+        const int section = model->columns().indexOf(column);
+        header->setSortIndicatorShown(section >= 0);
+        if (section >= 0)
+            header->setSortIndicator(section,
+                                     entries.first().ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+    }
+}
+
+void ZTLibraryWindow::itemSelectionChanged()
+{
+    updateDetail();
+    updateActions();
+}
+
+QStringList ZTLibraryWindow::selectedOids() const
+{
+    ZTItemTableView *table = currentTable();
+    auto *model = static_cast<ZTItemTableModel *>(table->model());
+    QList<int> rows;
+    for (const QModelIndex &index : table->selectionModel()->selectedRows())
+        rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    QStringList oids;
+    for (int row : std::as_const(rows))
+        oids.append(model->oidAtRow(row));
+    return oids;
+}
+
+void ZTLibraryWindow::selectOids(const QStringList &oids)
+{
+    ZTItemTableView *table = currentTable();
+    auto *model = static_cast<ZTItemTableModel *>(table->model());
+    QItemSelection selection;
+    int first = -1;
+    for (const QString &oid : oids) {
+        const int row = model->rowOfOid(oid);
+        if (row < 0)
+            continue;
+        selection.select(model->index(row, 0), model->index(row, model->columnCount() - 1));
+        first = first < 0 ? row : qMin(first, row);
+    }
+    table->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    if (first >= 0)
+        table->scrollTo(model->index(first, 0));
+}
+
+void ZTLibraryWindow::updateStatistics()
+{
+    m_statistics->setText(m_pipeline->itemStatisticsString());
+    QString empty;
+    if (m_pipeline->usingSearch())
+        empty = tr("Nothing matches \"%1\".").arg(m_searchField->text());
+    else if (m_pipeline->isMainListSelected())
+        empty = tr("This library is empty.\nAdd items, or drop them here from another library.");
+    else
+        empty = tr("This list is empty.\nDrag items from the library onto the list to add them.");
+    m_itemTable->setEmptyText(empty);
+}
+
+void ZTLibraryWindow::setDetailVisible(bool visible)
+{
+    m_detail->setVisible(visible);
+    m_display.isDetailPanelOpen = visible;
+    m_displaySaveTimer->start();
+    if (QAction *toggle = m_actions.value(6009))
+        toggle->setChecked(visible);
+}
+
+bool ZTLibraryWindow::isDetailVisible() const
+{
+    return !m_detail->isHidden();
+}
+
+void ZTLibraryWindow::updateDetail()
+{
+    const QStringList oids = selectedOids();
+    ZTItem *item = oids.size() == 1 ? m_document->itemForOid(oids.first()) : nullptr;
+    if (!item) {
+        m_detail->setHtml(QStringLiteral("<p style='color:gray' align='center'><br><br>%1</p>")
+                              .arg(oids.isEmpty() ? tr("No selection")
+                                                  : tr("%n items selected", nullptr, int(oids.size()))));
+        return;
+    }
+    QString html;
+    const QByteArray bytes = item->largestImageAvailable();
+    QImage image;
+    if (!bytes.isEmpty() && image.loadFromData(bytes)) {
+        QByteArray png;
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        image.scaled(200, 260, Qt::KeepAspectRatio, Qt::SmoothTransformation).save(&buffer, "PNG");
+        html += QStringLiteral("<p align='center'><img src='data:image/png;base64,%1'></p>")
+                    .arg(QString::fromLatin1(png.toBase64()));
+    }
+    html += QStringLiteral("<h3>%1</h3><table cellspacing='2'>").arg(item->title().toHtmlEscaped());
+    const ZTAttributeTables &tables = m_document->attributeTables();
+    for (const QString &key : s_detailKeys) {
+        const ZTExportColumn *column = tables.column(key);
+        if (!column || !item->hasKey(key))
+            continue;
+        // Read as the table's cell reads it, so dates and people look the same in both.
+        const ZTCellReader cell = tables.tableViewEntry(key);
+        const QString text = ZTItemTableModel::displayText(
+            item->valueForKey(cell.key.isEmpty() ? key : cell.key), QStringLiteral(", "));
+        if (text.trimmed().isEmpty() || text == QLatin1String("0"))
+            continue;
+        html += QStringLiteral("<tr><td style='color:gray' align='right'>%1</td><td>%2</td></tr>")
+                    .arg(column->title.toHtmlEscaped(), text.toHtmlEscaped());
+    }
+    html += QStringLiteral("</table>");
+    const int rating = item->valueForKey(QStringLiteral("rating")).toInt();
+    if (rating > 0)
+        html += QStringLiteral("<p>%1</p>")
+                    .arg(QString(rating, QChar(0x2605)) + QString(5 - rating, QChar(0x2606)));
+    if (item->isLentOut()) {
+        const QString name = item->valueForKey(QStringLiteral("lentToName")).toString();
+        const QDate due = item->valueForKey(QStringLiteral("dateDue")).toDate();
+        html += QStringLiteral("<p><b>%1</b>").arg(tr("Lent to %1").arg(name.toHtmlEscaped()));
+        if (due.isValid())
+            html +=
+                QStringLiteral("<br>%1").arg(tr("Due %1").arg(QLocale().toString(due, QLocale::LongFormat)));
+        html += QStringLiteral("</p>");
+    }
+    m_detail->setHtml(html);
+}
+
+void ZTLibraryWindow::updateTitle()
+{
+    setWindowTitle(m_document->displayName() + QStringLiteral("[*]"));
+    setWindowModified(m_document->isDocumentEdited());
+    setWindowFilePath(m_document->documentPath());
+}
+
+void ZTLibraryWindow::updateActions()
+{
+    const bool hasSelection = !selectedOids().isEmpty();
+    for (int tag : {4004, 4005, 3006})
+        if (QAction *action = m_actions.value(tag))
+            action->setEnabled(hasSelection);
+    m_lockAction->setEnabled(hasSelection);
+    m_unlockAction->setEnabled(hasSelection);
+    for (QAction *action : std::as_const(m_ratingActions))
+        action->setEnabled(hasSelection);
+    m_actions.value(2008)->setEnabled(m_document->isDocumentEdited());
+}
+
+void ZTLibraryWindow::afterItemsChanged(bool listsChanged)
+{
+    Q_UNUSED(listsChanged);
+    refresh();
+}
+
+bool ZTLibraryWindow::confirm(const QString &title, const QString &message)
+{
+    if (m_question)
+        return m_question(title, message);
+    QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::Cancel, this);
+    QPushButton *remove = box.addButton(tr("Remove"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.setWindowModality(Qt::WindowModal);
+    box.exec();
+    return box.clickedButton() == static_cast<QAbstractButton *>(remove);
+}
+
+void ZTLibraryWindow::removeItems(bool force)
+{
+    const QStringList oids = selectedOids();
+    if (oids.isEmpty())
+        return;
+    const auto removal = m_operations->removeSelectedRowsInTableView(
+        oids, force ? ZTItemOperations::Force::Yes : ZTItemOperations::Force::No,
+        [this](const QString &title, const QString &message) { return confirm(title, message); });
+    if (removal != ZTItemOperations::Removal::None)
+        refresh();
+}
+
+void ZTLibraryWindow::duplicateItems()
+{
+    const QStringList oids = selectedOids();
+    QList<int> rows;
+    const QStringList displayed = m_pipeline->displayedOids();
+    for (const QString &oid : oids)
+        if (const int row = int(displayed.indexOf(oid)); row >= 0)
+            rows.append(row);
+    const QList<ZTItem *> copies = m_operations->duplicateItems(rows);
+    refresh();
+    QStringList copied;
+    for (ZTItem *copy : copies)
+        copied.append(copy->oid());
+    selectOids(copied);
+}
+
+void ZTLibraryWindow::setLocked(bool locked)
+{
+    m_operations->setItemsToBeLocked(selectedOids(), locked);
+    const QStringList selected = selectedOids();
+    refresh();
+    selectOids(selected);
+}
+
+void ZTLibraryWindow::setRating(int rating)
+{
+    const QStringList selected = selectedOids();
+    if (m_operations->setRatingOfItems(selected, rating) == 0)
+        return;
+    m_itemModel->reload();
+    m_filterModel->reload();
+    selectOids(selected);
+    updateTitle();
+    updateDetail();
+}
+
+void ZTLibraryWindow::addList()
+{
+    if (!m_document->addList())
+        return;
+    m_document->updateChangeCount(ZTDocument::ChangeType::Done);
+    m_listModel->reload();
+    const QModelIndex index = m_listModel->index(m_listModel->rowCount() - 1, 0);
+    m_listTable->setCurrentIndex(index);
+    listSelectionChanged();
+    m_listTable->edit(index);
+    updateTitle();
+}
+
+void ZTLibraryWindow::removeSelectedList()
+{
+    const int row = m_listTable->currentIndex().row();
+    if (row < 1)
+        return;
+    if (m_operations->removeSelectedList(
+            row, [this](const QString &title, const QString &message) { return confirm(title, message); }))
+        refresh();
+}
+
+void ZTLibraryWindow::findDuplicates()
+{
+    if (!m_operations->findDuplicates()) {
+        QMessageBox::information(this, ZTMainMenu::titleForTag(4008), tr("No duplicates were found."));
+        return;
+    }
+    refresh();
+    selectListRow(m_listModel->rowCount() - 1);
+}
+
+void ZTLibraryWindow::findUnlisted()
+{
+    if (!m_operations->findUnlisted()) {
+        QMessageBox::information(this, ZTMainMenu::titleForTag(4009), tr("Every item is in a list."));
+        return;
+    }
+    refresh();
+    selectListRow(m_listModel->rowCount() - 1);
+}
+
+bool ZTLibraryWindow::save()
+{
+    QString error;
+    if (!m_document->saveDocument(&error)) {
+        QMessageBox::critical(this, tr("The library could not be saved"), error);
+        return false;
+    }
+    updateTitle();
+    updateActions();
+    return true;
+}
+
+bool ZTLibraryWindow::revert()
+{
+    auto fresh = ZTDocument::create(m_document->mediaKind());
+    QString error;
+    if (!fresh->readFromURL(m_document->documentPath(), &error)) {
+        QMessageBox::critical(this, tr("The library could not be read"), error);
+        return false;
+    }
+    // Rebuild the views over the fresh document; the old one goes with them.
+    auto *old = centralWidget();
+    ZTDragData::unregisterDocument(m_document.get());
+    delete old;
+    delete m_listModel;
+    delete m_itemModel;
+    delete m_filterModel;
+    menuBar()->clear();
+    for (QToolBar *bar : findChildren<QToolBar *>())
+        delete bar;
+    for (QAction *action : actions())
+        removeAction(action);
+    m_ratingActions.clear();
+    m_operations.reset();
+    m_pipeline.reset();
+    m_document->close();
+    m_document = std::move(fresh);
+    showDocument();
+    return true;
+}
+
+void ZTLibraryWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_document->isDocumentEdited()) {
+        QMessageBox box(
+            QMessageBox::Warning, tr("Save changes?"),
+            tr("Do you want to save the changes made to the library \"%1\"?").arg(m_document->displayName()),
+            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+        box.setInformativeText(tr("Your changes will be lost if you don't save them."));
+        box.setDefaultButton(QMessageBox::Save);
+        const int answer =
+            m_question ? (m_question(tr("Save changes?"), m_document->displayName()) ? QMessageBox::Save
+                                                                                     : QMessageBox::Discard)
+                       : box.exec();
+        if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !save())) {
+            event->ignore();
+            return;
+        }
+    }
+    saveDisplay();
+    Q_EMIT closing();
+    event->accept();
+}
+
+void ZTLibraryWindow::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange)
+        applyPalette();
+    QMainWindow::changeEvent(event);
+}
+
+void ZTLibraryWindow::applyPalette()
+{
+    // The side columns take the window colour, a shade apart from the table,
+    // whether the desktop is light or dark.
+    if (!m_listTable)
+        return;
+    ZTUi::followPalette();
+    QPalette side = palette();
+    const bool dark = side.color(QPalette::Window).lightness() < 128;
+    const QColor base = side.color(QPalette::Window);
+    side.setColor(QPalette::Base, dark ? base.lighter(115) : base.darker(103));
+    m_listTable->setPalette(side);
+    m_detail->setPalette(side);
+    QPalette stats = palette();
+    stats.setColor(QPalette::WindowText, stats.color(QPalette::PlaceholderText));
+    m_statistics->setPalette(stats);
+}
