@@ -7,6 +7,7 @@
 #include "library/ZTViewPipeline.h"
 #include "lists/ZTList.h"
 #include "lists/ZTListDrop.h"
+#include "lists/ZTSmartList.h"
 #include "model/ZTItem.h"
 #include "ui/ZTUi.h"
 #include "ui/mainwindow/ZTDelegates.h"
@@ -15,6 +16,10 @@
 #include "ui/mainwindow/ZTListTableModel.h"
 #include "ui/mainwindow/ZTMainMenu.h"
 #include "ui/mainwindow/ZTTableViews.h"
+#include "ui/sheets/ZTClearAttributesSheet.h"
+#include "ui/sheets/ZTItemSheet.h"
+#include "ui/sheets/ZTMultipleEditSheet.h"
+#include "ui/sheets/ZTSmartListSheet.h"
 
 #include <QAction>
 #include <QApplication>
@@ -387,6 +392,10 @@ void ZTLibraryWindow::connectActions()
     on(4008, [this] { findDuplicates(); });
     on(4009, [this] { findUnlisted(); });
     on(5001, [this] { addList(); });
+    on(4002, [this] { openItemSheet(false); });
+    on(4001, [this] { openItemSheet(true); });
+    on(4007, [this] { openClearSheet(); });
+    on(5002, [this] { openSmartListSheet(); });
     on(6003, [this] { showFilterTab(false); });
     on(6004, [this] { showFilterTab(true); });
     on(6009, [this] { setDetailVisible(!isDetailVisible()); });
@@ -723,7 +732,7 @@ void ZTLibraryWindow::updateTitle()
 void ZTLibraryWindow::updateActions()
 {
     const bool hasSelection = !selectedOids().isEmpty();
-    for (int tag : {4004, 4005, 3006})
+    for (int tag : {4001, 4004, 4005, 4007, 3006})
         if (QAction *action = m_actions.value(tag))
             action->setEnabled(hasSelection);
     m_lockAction->setEnabled(hasSelection);
@@ -731,6 +740,46 @@ void ZTLibraryWindow::updateActions()
     for (QAction *action : std::as_const(m_ratingActions))
         action->setEnabled(hasSelection);
     m_actions.value(2008)->setEnabled(m_document->isDocumentEdited());
+}
+
+// The sheets are window-modal and delete themselves when closed; whatever they
+// changed reaches the views through afterItemsChanged.
+void ZTLibraryWindow::openItemSheet(bool edit)
+{
+    const QStringList oids = selectedOids();
+    if (edit && oids.size() > 1) {
+        auto *sheet = new ZTMultipleEditSheet(*m_pipeline, this);
+        sheet->setAttribute(Qt::WA_DeleteOnClose);
+        connect(sheet, &ZTMultipleEditSheet::itemsSaved, this, [this] { afterItemsChanged(true); });
+        if (!sheet->openWithOids(oids))
+            sheet->deleteLater();
+        return;
+    }
+    auto *sheet = new ZTItemSheet(*m_pipeline, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &ZTItemSheet::itemSaved, this, [this] { afterItemsChanged(true); });
+    if (!edit) {
+        sheet->openToAdd();
+    } else if (oids.isEmpty() || !sheet->openToEdit(oids.first())) {
+        sheet->deleteLater();
+    }
+}
+
+void ZTLibraryWindow::openClearSheet()
+{
+    auto *sheet = new ZTClearAttributesSheet(*m_pipeline, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &ZTClearAttributesSheet::itemsCleared, this, [this] { afterItemsChanged(true); });
+    if (!sheet->openWithOids(selectedOids()))
+        sheet->deleteLater();
+}
+
+void ZTLibraryWindow::openSmartListSheet()
+{
+    auto *sheet = new ZTSmartListSheet(*m_document, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &ZTSmartListSheet::smartListSaved, this, [this] { afterItemsChanged(true); });
+    sheet->openToAdd();
 }
 
 void ZTLibraryWindow::afterItemsChanged(bool listsChanged)

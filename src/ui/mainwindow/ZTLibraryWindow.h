@@ -79,6 +79,9 @@ public:
     void setLocked(bool locked);
     void setRating(int rating);
     void addList();
+    void openItemSheet(bool edit);
+    void openClearSheet();
+    void openSmartListSheet();
     void removeSelectedList();
     void findDuplicates();
     void findUnlisted();
