@@ -21,6 +21,9 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
+#include "ui/sheets/ZTItemSheet.h"
+
+#include <QLineEdit>
 #include <QtTest>
 
 namespace {
@@ -334,6 +337,27 @@ private Q_SLOTS:
         QVERIFY(action);
         QCOMPARE(action->text(), title);
         QCOMPARE(action->isEnabled(), enabled);
+    }
+
+    void addItemOpensTheSheetAndTheTableShowsTheNewItem()
+    {
+        auto window = openWindow(ZTMediaKind::Book, 2);
+        QVERIFY(window);
+        const int before = window->document().mainList()->count();
+        window->actionForTag(4002)->trigger();
+        auto *sheet = window->findChild<ZTItemSheet *>();
+        QVERIFY(sheet);
+        QVERIFY(sheet->isVisible());
+        auto *title = qobject_cast<QLineEdit *>(sheet->fieldForKey(QStringLiteral("title")));
+        QVERIFY(title);
+        title->setFocus();
+        QTest::keyClicks(title, QStringLiteral("Added Through The Sheet"));
+        sheet->saveAndClose();
+        QCOMPARE(window->document().mainList()->count(), before + 1);
+        const QString oid = window->document().mainList()->itemOids().first();
+        QCOMPARE(window->document().itemForOid(oid)->title(), QStringLiteral("Added Through The Sheet"));
+        QVERIFY(window->pipeline().displayedOids().contains(oid));
+        QVERIFY(window->document().isDocumentEdited());
     }
 
     void newLibraryDialogOffersTheFourKinds()
