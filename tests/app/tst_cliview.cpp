@@ -52,7 +52,29 @@ private Q_SLOTS:
     void columnsListing();
     void lendAndReturn();
     void duplicatesAndUnlisted();
+    void datesShowTheirKnownParts();
 };
+
+void TestCliView::datesShowTheirKnownParts()
+{
+    QTemporaryDir dir;
+    Run made = cli({QStringLiteral("new"), dir.filePath(QStringLiteral("Dates")), QStringLiteral("--kind"),
+                    QStringLiteral("book")});
+    QCOMPARE(made.code, 0);
+    const QString library = made.out.trimmed();
+    Run added = cli({QStringLiteral("add"), library, QStringLiteral("-")},
+                    R"({"title": "Partial", "datePublished": "1999-06-01", "datePublishedBitFlag": 2,
+                        "dateUsed": "2020-03-05", "dateUsedBitFlag": 1, "dateObtained": "2021-07-08"})");
+    QCOMPARE(added.code, 0);
+    Run shown = cli({QStringLiteral("items"), library, QStringLiteral("--columns"),
+                     QStringLiteral("datePublished,dateUsed,dateObtained")});
+    QCOMPARE(shown.code, 0);
+    QCOMPARE(shown.out.trimmed().section(QLatin1Char('\t'), 1), QStringLiteral("1999\t2020-03\t2021-07-08"));
+    // The dictionary form keeps the whole date and its precision apart.
+    Run got = cli({QStringLiteral("get"), library, lines(added.out).first()});
+    QVERIFY(got.out.contains(QStringLiteral("\"datePublished\": \"1999-06-01\"")));
+    QVERIFY(got.out.contains(QStringLiteral("\"datePublishedBitFlag\": 2")));
+}
 
 void TestCliView::initTestCase()
 {

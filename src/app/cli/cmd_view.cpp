@@ -1,6 +1,8 @@
 // The commands that show a library as its window would: the displayed items,
 // the statistics line, the columns, and the lists of duplicates and unlisted items.
 #include "app/cli/ZTCli.h"
+#include "model/ZTDateBit.h"
+#include "model/ZTDateUtil.h"
 #include "app/cli/ZTCliLibrary.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
@@ -37,7 +39,19 @@ QVariant cellValue(const ZTAttributeTables &tables, const ZTItem &item, const QS
     const ZTCellReader reader = tables.tableViewEntry(column);
     if (reader.type == QLatin1String("image"))
         return item.hasCoverImage();
-    const QVariant value = item.valueForKey(reader.key.isEmpty() ? column : reader.key);
+    const QString key = reader.key.isEmpty() ? column : reader.key;
+    const QVariant value = item.valueForKey(key);
+    if (value.typeId() == QMetaType::QDateTime) {
+        // A date shows only the parts the library knows of it: "1999", "2020-03".
+        const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(key);
+        const ZTDateBit bit = bitKey.isEmpty() ? ZTDateBit::FullDate : ZTDateBit::fromVariant(item.valueForKey(bitKey));
+        const QDate date = value.toDateTime().toLocalTime().date();
+        if (bit == ZTDateBit::Year)
+            return date.toString(QStringLiteral("yyyy"));
+        if (bit == ZTDateBit::YearMonth)
+            return date.toString(QStringLiteral("yyyy-MM"));
+        return date.toString(Qt::ISODate);
+    }
     if (reader.type == QLatin1String("boolean"))
         return value.toBool();
     if (reader.toMany)
