@@ -1,3 +1,4 @@
+#include "lookup/ZTPageGetter.h"
 #include "ui/ZTUi.h"
 #include "ui/app/ZTApplicationController.h"
 
@@ -8,6 +9,7 @@ int main(int argc, char **argv)
     QApplication app(argc, argv);
     ZTUi::setUpApplication(app);
     app.setApplicationVersion(QStringLiteral(ZETTARY_VERSION));
+    ZTPageGetter::install();
     ZTApplicationController controller;
     QStringList arguments = app.arguments();
     arguments.removeFirst();

@@ -1,4 +1,5 @@
 #include "app/cli/ZTCli.h"
+#include "lookup/ZTPageGetter.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -46,6 +47,7 @@ int main(int argc, char **argv)
     QGuiApplication app(argc, argv);
     app.setApplicationName(QStringLiteral("Zettary"));
     app.setOrganizationName(QStringLiteral("Zettary"));
+    ZTPageGetter::install();
 
     QStringList args = app.arguments().mid(1);
     if (args.isEmpty() || args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h"))
