@@ -20,13 +20,13 @@ std::optional<quint64> parseNumber(QByteArrayView text)
     return value;
 }
 
-std::optional<HTTPByteRange> parseSpec(QByteArrayView spec, quint64 contentLength)
+std::optional<HTTPByteRange> parseRange(QByteArrayView part, quint64 contentLength)
 {
-    const qsizetype dash = spec.indexOf('-');
+    const qsizetype dash = part.indexOf('-');
     if (dash < 0)
         return std::nullopt;
-    const QByteArrayView first = HTTPMessage::trimmedWhitespace(spec.first(dash));
-    const QByteArrayView last = HTTPMessage::trimmedWhitespace(spec.sliced(dash + 1));
+    const QByteArrayView first = HTTPMessage::trimmedWhitespace(part.first(dash));
+    const QByteArrayView last = HTTPMessage::trimmedWhitespace(part.sliced(dash + 1));
     if (first.isEmpty()) {
         const auto suffix = parseNumber(last);
         if (!suffix || *suffix == 0 || contentLength == 0)
@@ -58,10 +58,10 @@ QList<HTTPByteRange> HTTPByteRanges::parse(QByteArrayView header, quint64 conten
     QByteArrayView rest = header.sliced(equals + 1);
     while (true) {
         const qsizetype comma = rest.indexOf(',');
-        const QByteArrayView spec = HTTPMessage::trimmedWhitespace(comma < 0 ? rest : rest.first(comma));
+        const QByteArrayView part = HTTPMessage::trimmedWhitespace(comma < 0 ? rest : rest.first(comma));
         // Empty list elements ("0-1,,4-5") are allowed by the list syntax.
-        if (!spec.isEmpty()) {
-            const auto range = parseSpec(spec, contentLength);
+        if (!part.isEmpty()) {
+            const auto range = parseRange(part, contentLength);
             if (!range)
                 return {};
             ranges.append(*range);
