@@ -7,9 +7,9 @@
 namespace {
 const QCollator &collator()
 {
-    // One collator for the session: building one per comparison costs far more
-    // than the comparison.
-    static const QCollator s_collator = [] {
+    // One collator per thread for the session: building one per comparison costs
+    // far more than the comparison, and a collator sets itself up on first use.
+    static thread_local const QCollator s_collator = [] {
         QCollator c;
         c.setCaseSensitivity(Qt::CaseInsensitive);
         c.setNumericMode(false);

@@ -3,6 +3,7 @@
 
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
+#include "library/ZTItemTable.h"
 #include "lists/ZTListCompare.h"
 #include "lookup/ZTStringExtras.h"
 #include "model/ZTItem.h"
@@ -11,6 +12,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -58,7 +60,32 @@ struct Column {
         hasBlank = true;
         blankRows.push_back(row);
     }
+    // Joins the tally of the rows after this one's: first-seen order and row
+    // order both carry over.
+    void append(const Column &later)
+    {
+        for (size_t i = 0; i < later.rows.size(); ++i) {
+            const QString &value = later.values[qsizetype(i)];
+            auto it = index.constFind(value);
+            int at;
+            if (it == index.constEnd()) {
+                at = int(values.size());
+                index.insert(value, at);
+                values << value;
+                rows.emplace_back();
+            } else {
+                at = *it;
+            }
+            std::vector<int> &mine = rows[size_t(at)];
+            mine.insert(mine.end(), later.rows[i].begin(), later.rows[i].end());
+        }
+        hasBlank = hasBlank || later.hasBlank;
+        blankRows.insert(blankRows.end(), later.blankRows.begin(), later.blankRows.end());
+    }
 };
+
+// Below this many items a second thread costs more than it saves.
+constexpr size_t s_parallelListSize = 20000;
 
 bool isBlank(const QString &text)
 {
@@ -94,103 +121,161 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     const ZTCacheableAttributes &keys = document.attributeTables().cacheableAttributesDictionary();
     const QString yes = yesText();
     const QString no = noText();
-
-    QHash<QString, Column> columns;
-    for (const QString &key : keys.all)
-        columns.insert(key, Column());
-    for (const QString &key : keys.boolean) {
-        Column &column = columns[key];
-        column.values = {yes, no};
-        column.index = {{yes, 0}, {no, 1}};
-        column.rows.resize(2);
-    }
-
-    // Looked up once, so the pass over the items touches no hash of columns.
-    auto columnsFor = [&](const QStringList &names) {
-        QList<Column *> list;
-        for (const QString &key : names)
-            list << &columns[key];
-        return list;
-    };
-    const QList<Column *> stringColumns = columnsFor(keys.string);
-    const QList<Column *> arrayColumns = columnsFor(keys.array);
-    const QList<Column *> numberColumns = columnsFor(keys.number);
-    const QList<Column *> booleanColumns = columnsFor(keys.boolean);
     QList<BooleanReader> booleanReaders;
     for (const QString &key : keys.boolean)
         booleanReaders << booleanReader(key);
 
-    static const QString lentToName = QStringLiteral("lentToName");
-    QSet<QString> people(addressBookNames.cbegin(), addressBookNames.cend());
-    QStringList seen;
-    for (int oid = 0; oid < m_itemOids.size(); ++oid) {
-        const ZTItem *item = document.itemForOid(m_itemOids.at(oid));
-        if (!item)
-            continue;
-        for (int k = 0; k < keys.string.size(); ++k) {
-            const QString value = item->valueForKey(keys.string[k]).toString();
-            if (isBlank(value))
-                stringColumns[k]->countBlank(oid);
-            else
-                stringColumns[k]->count(value, oid);
+    // Each key is resolved once; the pass then reads through direct calls.
+    const ZTItemTable table(document);
+    const QList<ZTItem::KeyReader> stringReaders = table.readers(keys.string);
+    const QList<ZTItem::KeyReader> arrayReaders = table.readers(keys.array);
+    const QList<ZTItem::KeyReader> numberReaders = table.readers(keys.number);
+    const QList<ZTItem::KeyReader> booleanValueReaders = table.readers(keys.boolean);
+    const int rowCount = int(m_itemOids.size());
+
+    // A large list is counted in two halves side by side, each half by its own
+    // tally, and the halves are then joined in list order. Each item is read by
+    // one thread only (a book builds its author arrays on first reading), and
+    // stored texts are looked at in place, so the threads share no writes.
+    struct Tally {
+        std::vector<Column> strings, arrays, numbers, booleans;
+        QSet<QString> people;
+    };
+    auto newTally = [&] {
+        Tally tally;
+        tally.strings.resize(size_t(keys.string.size()));
+        tally.arrays.resize(size_t(keys.array.size()));
+        tally.numbers.resize(size_t(keys.number.size()));
+        tally.booleans.resize(size_t(keys.boolean.size()));
+        for (Column &column : tally.booleans) {
+            column.values = {yes, no};
+            column.index = {{yes, 0}, {no, 1}};
+            column.rows.resize(2);
         }
-        for (int k = 0; k < keys.array.size(); ++k) {
-            const QStringList values = ZTItem::variantToStrings(item->valueForKey(keys.array[k]));
-            Column *column = arrayColumns[k];
-            if (values.isEmpty()) {
-                column->countBlank(oid);
+        return tally;
+    };
+    auto count = [&](Tally &tally, int from, int to) {
+        QStringList seen;
+        for (int row = from; row < to; ++row) {
+            const ZTItem *item = table.item(m_itemOids.at(row));
+            if (!item)
                 continue;
+            for (int k = 0; k < stringReaders.size(); ++k) {
+                Column &column = tally.strings[size_t(k)];
+                const QVariant *stored = nullptr;
+                if (stringReaders[k].peek(*item, &stored) && (!stored || stored->typeId() == QMetaType::QString)) {
+                    const QString *value = stored ? static_cast<const QString *>(stored->constData()) : nullptr;
+                    if (!value || isBlank(*value))
+                        column.countBlank(row);
+                    else
+                        column.count(*value, row);
+                    continue;
+                }
+                const QString value = stringReaders[k].read(*item).toString();
+                if (isBlank(value))
+                    column.countBlank(row);
+                else
+                    column.count(value, row);
             }
-            // An item counts once under each of its values, even a repeated one.
-            seen.clear();
-            bool blankCounted = false;
-            for (const QString &value : values) {
-                if (isBlank(value)) {
-                    if (!blankCounted)
-                        column->countBlank(oid);
-                    blankCounted = true;
-                } else if (!seen.contains(value)) {
-                    seen << value;
-                    column->count(value, oid);
+            for (int k = 0; k < arrayReaders.size(); ++k) {
+                const QVariant variant = arrayReaders[k].read(*item);
+                const QStringList values = variant.typeId() == QMetaType::QStringList
+                                               ? *static_cast<const QStringList *>(variant.constData())
+                                               : ZTItem::variantToStrings(variant);
+                Column &column = tally.arrays[size_t(k)];
+                if (values.isEmpty()) {
+                    column.countBlank(row);
+                    continue;
+                }
+                // An item counts once under each of its values, even a repeated one.
+                seen.clear();
+                bool blankCounted = false;
+                for (const QString &value : values) {
+                    if (isBlank(value)) {
+                        if (!blankCounted)
+                            column.countBlank(row);
+                        blankCounted = true;
+                    } else if (values.size() == 1 || !seen.contains(value)) {
+                        seen << value;
+                        column.count(value, row);
+                    }
                 }
             }
-        }
-        for (int k = 0; k < keys.number.size(); ++k) {
-            const QVariant value = item->valueForKey(keys.number[k]);
-            const int type = value.typeId();
-            if (type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::UInt) {
-                numberColumns[k]->countInteger(value.toLongLong(), oid);
-                continue;
+            for (int k = 0; k < numberReaders.size(); ++k) {
+                Column &column = tally.numbers[size_t(k)];
+                const QVariant value = numberReaders[k].read(*item);
+                const int type = value.typeId();
+                if (type == QMetaType::Int || type == QMetaType::LongLong || type == QMetaType::UInt) {
+                    column.countInteger(value.toLongLong(), row);
+                    continue;
+                }
+                const QString text = value.isValid() && !value.isNull() ? value.toString() : QString();
+                if (text.isNull())
+                    column.countBlank(row);
+                else
+                    column.count(text, row);
             }
-            const QString text = value.isValid() && !value.isNull() ? value.toString() : QString();
-            if (text.isNull())
-                numberColumns[k]->countBlank(oid);
-            else
-                numberColumns[k]->count(text, oid);
+            for (int k = 0; k < booleanReaders.size(); ++k) {
+                const BooleanReader reader = booleanReaders[k];
+                const bool set = reader ? (item->*reader)() : booleanValueReaders[k].read(*item).toBool();
+                tally.booleans[size_t(k)].rows[set ? 0 : 1].push_back(row);
+            }
+            // Only an item on loan has a borrower.
+            if (item->isLentOut()) {
+                const QString borrower = item->lentToName();
+                if (!isBlank(borrower))
+                    tally.people.insert(borrower);
+            }
         }
-        for (int k = 0; k < keys.boolean.size(); ++k) {
-            const BooleanReader reader = booleanReaders[k];
-            const bool set = reader ? (item->*reader)() : item->valueForKey(keys.boolean[k]).toBool();
-            booleanColumns[k]->rows[set ? 0 : 1].push_back(oid);
-        }
-        // Only an item on loan has a borrower.
-        if (item->isLentOut()) {
-            const QString borrower = item->valueForKey(lentToName).toString();
-            if (!isBlank(borrower))
-                people.insert(borrower);
-        }
+    };
+
+    Tally tally = newTally();
+    tally.people = QSet<QString>(addressBookNames.cbegin(), addressBookNames.cend());
+    const bool parallel = size_t(rowCount) >= s_parallelListSize;
+    const int half = parallel ? rowCount / 2 : rowCount;
+    if (parallel) {
+        Tally second = newTally();
+        std::thread worker(count, std::ref(second), half, rowCount);
+        count(tally, 0, half);
+        worker.join();
+        auto join = [](std::vector<Column> &into, const std::vector<Column> &from) {
+            for (size_t k = 0; k < into.size(); ++k)
+                into[k].append(from[k]);
+        };
+        join(tally.strings, second.strings);
+        join(tally.arrays, second.arrays);
+        join(tally.numbers, second.numbers);
+        join(tally.booleans, second.booleans);
+        tally.people.unite(second.people);
+    } else {
+        count(tally, 0, rowCount);
     }
+
+    // The oid lists are made at their full size first and filled in afterwards,
+    // again in the two halves side by side, so each oid is copied by one thread.
+    struct OidFill {
+        const std::vector<int> *rows;
+        QString *out;
+    };
+    std::vector<OidFill> fills;
+    auto oidsAt = [&fills](const std::vector<int> &rows) {
+        QStringList oids(qsizetype(rows.size()));
+        fills.push_back({&rows, oids.data()});
+        return oids;
+    };
+    auto fill = [&](int from, int to) {
+        for (const OidFill &job : fills) {
+            const std::vector<int> &rows = *job.rows;
+            auto it = std::lower_bound(rows.begin(), rows.end(), from);
+            const auto end = std::lower_bound(it, rows.end(), to);
+            for (; it != end; ++it)
+                job.out[it - rows.begin()] = m_itemOids.at(*it);
+        }
+    };
 
     QVariantMap result;
     QVariantMap countTable;
     QVariantMap oidTable;
-    auto oidsAt = [this](const std::vector<int> &rows) {
-        QStringList oids;
-        oids.reserve(qsizetype(rows.size()));
-        for (int row : rows)
-            oids << m_itemOids.at(row);
-        return oids;
-    };
     auto publish = [&](const QString &key, const Column &column, const QStringList &sorted) {
         QVariantMap counts;
         QVariantMap oids;
@@ -207,32 +292,41 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         countTable.insert(key, counts);
         oidTable.insert(key, oids);
     };
-    for (const QStringList *group : {&keys.string, &keys.array}) {
-        for (const QString &key : *group) {
-            const Column &column = columns[key];
-            publish(key, column, ZTListCompare::sortedCaseInsensitive(column.values));
-        }
+    for (int k = 0; k < keys.string.size(); ++k) {
+        const Column &column = tally.strings[size_t(k)];
+        publish(keys.string[k], column, ZTListCompare::sortedCaseInsensitive(column.values));
     }
-    for (const QString &key : keys.number) {
-        const Column &column = columns[key];
+    for (int k = 0; k < keys.array.size(); ++k) {
+        const Column &column = tally.arrays[size_t(k)];
+        publish(keys.array[k], column, ZTListCompare::sortedCaseInsensitive(column.values));
+    }
+    for (int k = 0; k < keys.number.size(); ++k) {
+        const Column &column = tally.numbers[size_t(k)];
         QStringList sorted = column.values;
         std::stable_sort(sorted.begin(), sorted.end(),
                          [](const QString &a, const QString &b) { return a.toDouble() < b.toDouble(); });
-        publish(key, column, sorted);
+        publish(keys.number[k], column, sorted);
     }
-    for (const QString &key : keys.boolean)
-        publish(key, columns[key], columns[key].values);
+    for (int k = 0; k < keys.boolean.size(); ++k)
+        publish(keys.boolean[k], tally.booleans[size_t(k)], tally.booleans[size_t(k)].values);
+    if (parallel) {
+        std::thread worker(fill, half, rowCount);
+        fill(0, half);
+        worker.join();
+    } else {
+        fill(0, rowCount);
+    }
     result.insert(ZTFilterDictionaryKey::counts, countTable);
     result.insert(ZTFilterDictionaryKey::oids, oidTable);
 
     QSet<QString> languages;
     for (const char *key : {"language", "originalLanguage"}) {
-        auto it = columns.constFind(QLatin1String(key));
-        if (it != columns.constEnd())
-            for (const QString &language : it->values)
+        const qsizetype k = keys.string.indexOf(QLatin1String(key));
+        if (k >= 0)
+            for (const QString &language : tally.strings[size_t(k)].values)
                 languages.insert(language);
     }
-    result.insert(ZTFilterDictionaryKey::personName, ZTListCompare::sortedCaseInsensitive(people.values()));
+    result.insert(ZTFilterDictionaryKey::personName, ZTListCompare::sortedCaseInsensitive(tally.people.values()));
     result.insert(ZTFilterDictionaryKey::allLanguages,
                   ZTListCompare::sortedCaseInsensitive(languages.values()));
     return result;

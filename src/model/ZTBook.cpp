@@ -67,8 +67,9 @@ QString ZTBook::deweyClassNumberPrefix() const
 
 QString ZTBook::deweyClassNumberDisplayString() const
 {
+    static thread_local ZTSlotMemo memo;
     return ZTItemDerived::deweyClassNumberDisplayString(
-        primitiveValueForKey(QStringLiteral("deweyClassNumber")).toString());
+        primitiveValueForKey(QStringLiteral("deweyClassNumber"), memo).toString());
 }
 
 void ZTBook::updateAuthors()

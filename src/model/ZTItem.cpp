@@ -187,7 +187,11 @@ void ZTItem::updateOverdueStatus()
 
 void ZTItem::updateCoverImageStatus() { m_hasCoverImageFlag = toOneForKey(s_toCoverImage) != nullptr; }
 
-QString ZTItem::title() const { return primitiveValueForKey(ZTItemKey::title).toString(); }
+QString ZTItem::title() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(ZTItemKey::title, memo).toString();
+}
 
 void ZTItem::setTitle(const QString &title)
 {
@@ -197,28 +201,52 @@ void ZTItem::setTitle(const QString &title)
 
 QVariant ZTItem::year() const
 {
-    const QDateTime d = primitiveValueForKey(QStringLiteral("datePublished")).toDateTime();
+    static thread_local ZTSlotMemo memo;
+    const QDateTime d = primitiveValueForKey(QStringLiteral("datePublished"), memo).toDateTime();
     return d.isValid() ? QVariant(d.toUTC().date().year()) : QVariant();
 }
 
 QVariant ZTItem::originalYear() const
 {
-    const QDateTime d = primitiveValueForKey(QStringLiteral("originalDatePublished")).toDateTime();
+    static thread_local ZTSlotMemo memo;
+    const QDateTime d = primitiveValueForKey(QStringLiteral("originalDatePublished"), memo).toDateTime();
     return d.isValid() ? QVariant(d.toUTC().date().year()) : QVariant();
 }
 
-bool ZTItem::isOwned() const { return primitiveValueForKey(QStringLiteral("ownedFlag")).toBool(); }
-bool ZTItem::isLocked() const { return primitiveValueForKey(QStringLiteral("lockedFlag")).toBool(); }
-bool ZTItem::isSigned() const { return primitiveValueForKey(QStringLiteral("signedFlag")).toBool(); }
-bool ZTItem::isUsed() const { return primitiveValueForKey(QStringLiteral("usedFlag")).toBool(); }
-int ZTItem::rating() const { return primitiveValueForKey(QStringLiteral("rating")).toInt(); }
+bool ZTItem::isOwned() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(QStringLiteral("ownedFlag"), memo).toBool();
+}
+bool ZTItem::isLocked() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(QStringLiteral("lockedFlag"), memo).toBool();
+}
+bool ZTItem::isSigned() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(QStringLiteral("signedFlag"), memo).toBool();
+}
+bool ZTItem::isUsed() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(QStringLiteral("usedFlag"), memo).toBool();
+}
+int ZTItem::rating() const
+{
+    static thread_local ZTSlotMemo memo;
+    return primitiveValueForKey(QStringLiteral("rating"), memo).toInt();
+}
 
 // ---- locales ----
 
 QString ZTItem::locale() const
 {
-    ZTManagedObject *row = toOneForKey(s_toLocale);
-    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+    static thread_local ZTSlotMemo memo;
+    static thread_local ZTSlotMemo codeMemo;
+    ZTManagedObject *row = toOneForKey(s_toLocale, memo);
+    return row ? row->primitiveValueForKey(s_code, codeMemo).toString() : QString();
 }
 
 QString ZTItem::priceLocale() const
@@ -314,8 +342,18 @@ QStringList ZTItem::namesForOids(const QStringList &oids, const QString &entityN
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context)
         return names;
-    for (ZTManagedObject *row : context->objectsForEntity(entityName, oids))
-        names << row->primitiveValueForKey(s_name).toString();
+    if (oids.isEmpty())
+        return names;
+    const auto &tables = context->oidObjectDictionary();
+    const auto table = tables.constFind(entityName);
+    if (table == tables.constEnd())
+        return names;
+    // Read for every item by the view's passes: no list in between, the name's slot found once.
+    static thread_local ZTSlotMemo memo;
+    names.reserve(oids.size());
+    for (const QString &oid : oids)
+        if (const ZTManagedObject *row = table->value(oid, nullptr))
+            names << row->primitiveValueForKey(s_name, memo).toString();
     return names;
 }
 
@@ -430,7 +468,8 @@ QStringList ZTItem::stringsForArray(const QVariantList &dicts, const QString &ke
 
 ZTLendingContext *ZTItem::lendingContext() const
 {
-    return static_cast<ZTLendingContext *>(toOneForKey(s_toLendingContext));
+    static thread_local ZTSlotMemo memo;
+    return static_cast<ZTLendingContext *>(toOneForKey(s_toLendingContext, memo));
 }
 
 QString ZTItem::lentToName() const { return lendingContext() ? lendingContext()->name() : QString(); }

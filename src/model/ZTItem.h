@@ -56,6 +56,15 @@ public:
         QVariant (*get)(const ZTItem &) = nullptr;
         int slot = -1;
         QVariant read(const ZTItem &item) const;
+        // For a stored attribute, the stored value without a copy; false when the
+        // key is computed (then use read()). *value is null for an empty slot.
+        bool peek(const ZTItem &item, const QVariant **value) const
+        {
+            if (get || slot < 0 || item.entity() != entity)
+                return false;
+            *value = item.primitiveValuePointer(slot);
+            return true;
+        }
     };
     KeyReader readerForKey(const QString &key) const;
 

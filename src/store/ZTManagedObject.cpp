@@ -68,6 +68,17 @@ QVariant ZTManagedObject::primitiveValueForKey(const QString &key) const
     return m_entity ? primitiveValue(m_entity->attributeSlot(key)) : QVariant();
 }
 
+QVariant ZTManagedObject::primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const
+{
+    if (!m_entity)
+        return {};
+    if (memo.entity != m_entity) {
+        memo.slot = m_entity->attributeSlot(key);
+        memo.entity = m_entity;
+    }
+    return primitiveValue(memo.slot);
+}
+
 void ZTManagedObject::setPrimitiveValueForKey(const QVariant &value, const QString &key)
 {
     if (m_entity)
@@ -110,6 +121,17 @@ void ZTManagedObject::setToOne(int slot, ZTManagedObject *target)
 ZTManagedObject *ZTManagedObject::toOneForKey(const QString &key) const
 {
     return m_entity ? toOne(m_entity->toOneSlot(key)) : nullptr;
+}
+
+ZTManagedObject *ZTManagedObject::toOneForKey(const QString &key, ZTSlotMemo &memo) const
+{
+    if (!m_entity)
+        return nullptr;
+    if (memo.entity != m_entity) {
+        memo.slot = m_entity->toOneSlot(key);
+        memo.entity = m_entity;
+    }
+    return toOne(memo.slot);
 }
 
 void ZTManagedObject::setToOneForKey(const QString &key, ZTManagedObject *target)

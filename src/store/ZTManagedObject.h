@@ -14,6 +14,14 @@ class ZTManagedObjectContext;
 // One row of the object store. Stored attribute values live in a compact,
 // sparse array (only values that are set take room), so that a library of a
 // hundred thousand items stays small in memory.
+// A fixed key resolved once per entity. Readers that run over every item
+// (sorting, filtering, counting) keep one per call site, thread_local, so a read
+// is an index into the row rather than a hash of the key's text.
+struct ZTSlotMemo {
+    const ZTEntity *entity = nullptr;
+    int slot = -1;
+};
+
 class ZTManagedObject {
 public:
     ZTManagedObject();
@@ -33,13 +41,23 @@ public:
     // Raw access to stored attributes by slot, without side effects beyond
     // change tracking.
     QVariant primitiveValue(int slot) const;
+    // The stored value itself, or null when the slot holds nothing: passes that
+    // only look at a value need not copy it.
+    const QVariant *primitiveValuePointer(int slot) const
+    {
+        if (slot < 0 || slot >= 63 || !(m_present & (quint64(1) << slot)))
+            return nullptr;
+        return &m_values[size_t(valueIndex(slot))];
+    }
     void setPrimitiveValue(int slot, const QVariant &value);
     QVariant primitiveValueForKey(const QString &key) const;
+    QVariant primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const;
     void setPrimitiveValueForKey(const QVariant &value, const QString &key);
 
     ZTManagedObject *toOne(int slot) const;
     void setToOne(int slot, ZTManagedObject *target);
     ZTManagedObject *toOneForKey(const QString &key) const;
+    ZTManagedObject *toOneForKey(const QString &key, ZTSlotMemo &memo) const;
     void setToOneForKey(const QString &key, ZTManagedObject *target);
     const QList<ZTManagedObject *> &toMany(int slot) const;
     const QList<ZTManagedObject *> &toManyForKey(const QString &key) const;

@@ -11,6 +11,9 @@
 #include <sqlite3.h>
 
 #include <cmath>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 
 namespace {
 
@@ -76,7 +79,49 @@ int bindValue(sqlite3_stmt *stmt, int index, const ZTAttribute &a, const QVarian
     return sqlite3_bind_null(stmt, index);
 }
 
-QVariant columnValue(sqlite3_stmt *stmt, int col, ZTAttributeType type)
+// Short texts repeat across a library (languages, genres, publishers,
+// currencies): each column keeps one copy of every short text it has read, so
+// 100,000 items share a few hundred strings instead of holding their own. That
+// saves memory and keeps the values that passes over all items compare hot in
+// the cache. A column whose texts keep differing (titles) stops collecting.
+class TextInterner {
+public:
+    QString text(const char *utf8, int size)
+    {
+        if (size > s_longest || (m_closed && m_table.empty()))
+            return QString::fromUtf8(utf8, size);
+        const std::string_view bytes(utf8, size_t(size));
+        auto it = m_table.find(bytes);
+        if (it != m_table.end()) {
+            ++m_hits;
+            return it->second;
+        }
+        QString value = QString::fromUtf8(utf8, size);
+        if (!m_closed) {
+            if (m_table.size() >= s_most) {
+                // Mostly different texts: looking them up would only cost time.
+                m_closed = true;
+                if (m_hits < m_table.size())
+                    m_table.clear();
+            } else
+                m_table.emplace(std::string(bytes), value);
+        }
+        return value;
+    }
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        size_t operator()(std::string_view v) const { return std::hash<std::string_view>{}(v); }
+    };
+    static constexpr int s_longest = 64;
+    static constexpr size_t s_most = 4096;
+    std::unordered_map<std::string, QString, Hash, std::equal_to<>> m_table;
+    size_t m_hits = 0;
+    bool m_closed = false;
+};
+
+QVariant columnValue(sqlite3_stmt *stmt, int col, ZTAttributeType type, TextInterner *interner = nullptr)
 {
     const int t = sqlite3_column_type(stmt, col);
     if (t == SQLITE_NULL)
@@ -84,7 +129,8 @@ QVariant columnValue(sqlite3_stmt *stmt, int col, ZTAttributeType type)
     switch (type) {
     case ZTAttributeType::String: {
         const char *text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, col));
-        return QString::fromUtf8(text, sqlite3_column_bytes(stmt, col));
+        const int size = sqlite3_column_bytes(stmt, col);
+        return interner ? interner->text(text, size) : QString::fromUtf8(text, size);
     }
     case ZTAttributeType::Integer:
         return qlonglong(sqlite3_column_int64(stmt, col));
@@ -267,6 +313,7 @@ bool ZTObjectStore::loadAll(ZTManagedObjectContext &context, QString *error)
         // Per concrete entity, the column of each attribute slot and to-one slot.
         struct Plan {
             QVector<int> attributeColumns;
+            std::vector<TextInterner> interners; // one per attribute slot
             QVector<int> relationColumns;
         };
         QHash<const ZTEntity *, Plan> plans;
@@ -274,6 +321,7 @@ bool ZTObjectStore::loadAll(ZTManagedObjectContext &context, QString *error)
             Plan plan;
             for (const ZTAttribute &a : e->attributes)
                 plan.attributeColumns << columnIndex.value(a.column, -1);
+            plan.interners.resize(size_t(e->attributes.size()));
             for (const ZTRelationship &r : e->toOne)
                 plan.relationColumns << columnIndex.value(r.column, -1);
             plans.insert(e, plan);
@@ -297,7 +345,7 @@ bool ZTObjectStore::loadAll(ZTManagedObjectContext &context, QString *error)
             }
             ZTManagedObject *object = context.create(entity);
             object->m_primaryKey = pk;
-            const Plan &plan = plans[entity];
+            Plan &plan = plans[entity];
             // Values come out of the store in slot order and already typed, so
             // they go straight into the row's value array.
             int present = 0;
@@ -311,7 +359,7 @@ bool ZTObjectStore::loadAll(ZTManagedObjectContext &context, QString *error)
                 const int col = plan.attributeColumns[slot];
                 if (col < 0 || sqlite3_column_type(stmt, col) == SQLITE_NULL)
                     continue;
-                object->m_values.push_back(columnValue(stmt, col, entity->attributes[slot].type));
+                object->m_values.push_back(columnValue(stmt, col, entity->attributes[slot].type, &plan.interners[size_t(slot)]));
                 object->m_present |= quint64(1) << slot;
             }
             if (!plan.relationColumns.isEmpty()) {

@@ -114,6 +114,44 @@ private Q_SLOTS:
         QCOMPARE(countRows(fixture.path() + QStringLiteral("/data.sql"), "SELECT COUNT(*) AS CNT FROM ZZTITEM"), 1);
     }
 
+    // Repeated short texts come back as one shared string; texts that keep
+    // differing (past the point where sharing stops paying) and long texts come
+    // back whole all the same.
+    void repeatedTextsAreSharedAfterReopening()
+    {
+        ZTLibraryFixture fixture;
+        constexpr int count = 5000;
+        const QString longText = QString(100, QLatin1Char('x')) + QStringLiteral("ü");
+        {
+            auto context = openContext(fixture);
+            for (int i = 0; i < count; ++i) {
+                ZTManagedObject *book = context->insertNewObject(QStringLiteral("ZTBook"));
+                book->setPrimitiveValueForKey(QStringLiteral("oid-%1").arg(i), QStringLiteral("oid"));
+                book->setPrimitiveValueForKey(QStringLiteral("Title %1").arg(i), QStringLiteral("title"));
+                book->setPrimitiveValueForKey(i % 2 ? QStringLiteral("Fantasy") : QStringLiteral("Crime"),
+                                              QStringLiteral("genre"));
+                book->setPrimitiveValueForKey(longText, QStringLiteral("notes"));
+            }
+            QVERIFY(context->save());
+        }
+        auto context = openContext(fixture);
+        QHash<QString, ZTManagedObject *> byOid;
+        for (ZTManagedObject *book : context->fetch(QStringLiteral("ZTBook")))
+            byOid.insert(book->primitiveValueForKey(QStringLiteral("oid")).toString(), book);
+        QCOMPARE(byOid.size(), count);
+        QSet<const QChar *> genres;
+        for (int i = 0; i < count; ++i) {
+            const ZTManagedObject *book = byOid.value(QStringLiteral("oid-%1").arg(i));
+            QVERIFY(book);
+            QCOMPARE(book->primitiveValueForKey(QStringLiteral("title")).toString(), QStringLiteral("Title %1").arg(i));
+            const QString genre = book->primitiveValueForKey(QStringLiteral("genre")).toString();
+            QCOMPARE(genre, i % 2 ? QStringLiteral("Fantasy") : QStringLiteral("Crime"));
+            genres.insert(genre.constData());
+            QCOMPARE(book->primitiveValueForKey(QStringLiteral("notes")).toString(), longText);
+        }
+        QCOMPARE(genres.size(), 2);
+    }
+
     void valuesAreNormalisedToTheAttributeType()
     {
         ZTLibraryFixture fixture;
