@@ -6,6 +6,8 @@
 #include "ui/app/ZTSampleLibrary.h"
 #include "ui/mainwindow/ZTItemTableModel.h"
 #include "ui/mainwindow/ZTLibraryWindow.h"
+#include "ui/prefs/ZTPreferencesWindow.h"
+#include "app/ZTSettings.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -137,6 +139,22 @@ private Q_SLOTS:
         shown->selectOids({shown->itemModel()->oidAtRow(0)});
         save(shown.get(), QStringLiteral("library-dark"));
         QApplication::setPalette(before);
+    }
+
+    void preferencesSharing()
+    {
+        QStringList paths;
+        for (ZTMediaKind kind : {ZTMediaKind::Book, ZTMediaKind::Album, ZTMediaKind::Comic}) {
+            const QString path = m_dir.filePath(QStringLiteral("Home %1.%2")
+                                                    .arg(ZTMediaKinds::itemType(kind), ZTMediaKinds::packageExtension(kind)));
+            QVERIFY(ZTSampleLibrary::create(path, kind, 3));
+            paths << path;
+        }
+        ZTSettings::setValue(ZTSettingsKey::SharedLibraries, QStringList{paths.first()});
+        ZTPreferencesWindow prefs(nullptr, nullptr, [paths] { return paths; });
+        prefs.show();
+        save(&prefs, QStringLiteral("preferences-sharing"));
+        ZTSettings::setValue(ZTSettingsKey::SharedLibraries, QStringList());
     }
 
     void newLibraryDialog()

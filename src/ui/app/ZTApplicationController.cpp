@@ -1,10 +1,15 @@
 #include "ui/app/ZTApplicationController.h"
 
 #include "app/ZTAppController.h"
+#include "app/ZTSettings.h"
 #include "library/ZTDocument.h"
+#include "platform/ZTAvahiPublisher.h"
+#include "sharing/ZTSharingController.h"
+#include "sharing/ZTSharingExportController.h"
 #include "ui/app/ZTNewLibraryDialog.h"
 #include "ui/app/ZTSampleLibrary.h"
 #include "ui/mainwindow/ZTLibraryWindow.h"
+#include "ui/prefs/ZTPreferencesWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -22,12 +27,59 @@ constexpr int s_ensureFirstRunDelay = 30000;
 
 ZTApplicationController::ZTApplicationController(QObject *parent) : QObject(parent) {}
 
+ZTApplicationController::~ZTApplicationController()
+{
+    delete m_preferences.data();
+    // The service goes before the exporter and the publisher it uses.
+    m_sharing.reset();
+}
+
+ZTSharingController *ZTApplicationController::sharingController()
+{
+    if (!m_sharing) {
+        m_publisher = std::make_unique<ZTAvahiPublisher>();
+        m_exporter = std::make_unique<ZTSharingExportController>();
+        m_sharing = std::make_unique<ZTSharingController>(*m_exporter, m_publisher.get());
+    }
+    return m_sharing.get();
+}
+
+QStringList ZTApplicationController::knownLibraries() const
+{
+    QStringList paths;
+    for (ZTLibraryWindow *window : windows())
+        paths << window->libraryPath();
+    for (const ZTAppController::OpenLibrary &library : ZTAppController::librariesToReopen())
+        if (!paths.contains(library.path))
+            paths << library.path;
+    return paths;
+}
+
+ZTPreferencesWindow *ZTApplicationController::showPreferences(const QString &pane)
+{
+    if (!m_preferences) {
+        ZTSharingController *sharing = sharingController();
+        m_preferences = new ZTPreferencesWindow(sharing, m_publisher.get(), [this] { return knownLibraries(); });
+        m_preferences->setAttribute(Qt::WA_DeleteOnClose);
+    } else {
+        m_preferences->refreshSharedLibraryList();
+    }
+    m_preferences->selectPane(pane);
+    m_preferences->show();
+    m_preferences->raise();
+    m_preferences->activateWindow();
+    return m_preferences;
+}
+
 bool ZTApplicationController::start(const QStringList &arguments)
 {
     ZTAppController::initializeDefaults();
     ZTAppController::processLegacyPreferences();
     QTimer::singleShot(s_ensureFirstRunDelay, this, [] { ZTAppController::ensureFirstRun(); });
     ZTAppController::cleanTemporaryFolders();
+    // Sharing that was on at the last quit serves again from the start.
+    if (ZTSettings::value(ZTSettingsKey::SharingState).toBool())
+        sharingController();
 
     const int sampleAt = int(arguments.indexOf(QStringLiteral("--sample")));
     if (sampleAt >= 0) {
@@ -119,6 +171,7 @@ void ZTApplicationController::adopt(ZTLibraryWindow *window)
     connect(window, &ZTLibraryWindow::newLibraryRequested, this, &ZTApplicationController::createNewDocument);
     connect(window, &ZTLibraryWindow::openRequested, this, &ZTApplicationController::openDocument);
     connect(window, &ZTLibraryWindow::quitRequested, this, &ZTApplicationController::quit);
+    connect(window, &ZTLibraryWindow::preferencesRequested, this, [this] { showPreferences(); });
     // Closing the last window ends the program here, so it counts as a quit:
     // that library is the one to reopen.
     connect(window, &ZTLibraryWindow::closing, this, [this, window] {

@@ -90,6 +90,7 @@ Q_SIGNALS:
     void newLibraryRequested();
     void openRequested();
     void quitRequested();
+    void preferencesRequested();
     void sampleRequested();
     // The window agreed to close (its library saved or changes discarded).
     void closing();

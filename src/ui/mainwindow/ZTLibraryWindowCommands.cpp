@@ -83,6 +83,7 @@ void ZTLibraryWindow::connectActions()
     on(2006, [this] { save(); });
     on(2008, [this] { revert(); });
     on(1009, [this] { Q_EMIT quitRequested(); });
+    on(1003, [this] { Q_EMIT preferencesRequested(); });
     on(3007, [this] { currentTable()->selectAll(); });
     on(3006, [this] { removeItems(false); });
     on(4004, [this] { removeItems(true); });
