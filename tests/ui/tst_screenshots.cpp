@@ -6,6 +6,7 @@
 #include "ui/app/ZTSampleLibrary.h"
 #include "ui/mainwindow/ZTItemTableModel.h"
 #include "ui/mainwindow/ZTLibraryWindow.h"
+#include "ui/mainwindow/ZTOptionsPanel.h"
 #include "ui/prefs/ZTPreferencesWindow.h"
 #include "app/ZTSettings.h"
 
@@ -139,6 +140,18 @@ private Q_SLOTS:
         shown->selectOids({shown->itemModel()->oidAtRow(0)});
         save(shown.get(), QStringLiteral("library-dark"));
         QApplication::setPalette(before);
+    }
+
+    void optionsPanel()
+    {
+        auto shown = window(ZTMediaKind::Book, 50, true);
+        QVERIFY(shown);
+        ZTOptionsPanel *panel = shown->optionsPanel();
+        shown->addLayout();
+        shown->renameLayout(1, QStringLiteral("Reading list"));
+        panel->show();
+        QVERIFY(QTest::qWaitForWindowExposed(panel));
+        save(panel, QStringLiteral("options-panel"));
     }
 
     void preferencesSharing()

@@ -55,8 +55,8 @@ ZTLibraryWindow::ZTLibraryWindow(std::unique_ptr<ZTDocument> document, QWidget *
     : QMainWindow(parent), m_document(std::move(document))
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    showDocument();
     resize(1180, 720);
+    showDocument();
 }
 
 namespace {
@@ -80,6 +80,11 @@ void ZTLibraryWindow::showDocument()
     for (const QString &id : ZTItemTableModel::standardColumns(m_document->mediaKind()))
         standard.append({id, double(standardWidth(id))});
     m_display = ZTWindowDisplay::load(m_document->documentPath(), standard);
+    m_layouts = ZTLayouts::load(m_document->documentPath());
+    if (m_layouts.ensureOne(m_display))
+        m_layouts.save(m_document->documentPath());
+    else
+        m_layouts.setCurrentIndex(m_display.currentLayout);
     if (!m_displaySaveTimer) {
         // Column drags fire many resizes: the file is written once they settle.
         m_displaySaveTimer = new QTimer(this);
@@ -104,6 +109,9 @@ void ZTLibraryWindow::showDocument()
     m_listTable->setCurrentIndex(m_listModel->index(0, 0));
     m_detail->setVisible(m_display.isDetailPanelOpen);
     m_actions.value(6009)->setChecked(m_display.isDetailPanelOpen);
+    if (!m_display.frameString.isEmpty())
+        restoreGeometry(QByteArray::fromBase64(m_display.frameString.toLatin1()));
+    connect(m_splitter, &QSplitter::splitterMoved, m_displaySaveTimer, qOverload<>(&QTimer::start));
 }
 
 void ZTLibraryWindow::applyColumns(ZTItemTableView *table)
@@ -122,6 +130,8 @@ void ZTLibraryWindow::applyColumns(ZTItemTableView *table)
         QFont font = table->font();
         font.setPointSizeF(m_display.fontSize);
         table->setFont(font);
+    } else {
+        table->setFont(QFont()); // back to the font the window inherits
     }
     for (int c = 0; c < model->columnCount(); ++c) {
         const QString id = model->columnIdentifier(c);
@@ -168,6 +178,7 @@ void ZTLibraryWindow::setColumnShown(const QString &identifier, bool shown)
     applyColumns(m_filterTable);
     updateSortIndicator();
     saveDisplay();
+    Q_EMIT displayChanged();
 }
 
 void ZTLibraryWindow::columnResized(int logical, int, int newSize)
@@ -185,7 +196,96 @@ void ZTLibraryWindow::saveDisplay()
 {
     m_displaySaveTimer->stop();
     m_display.isDetailPanelOpen = isDetailVisible();
+    m_display.frameString = QString::fromLatin1(saveGeometry().toBase64());
+    if (m_splitter && !m_splitter->sizes().isEmpty() && m_splitter->sizes().first() > 0)
+        m_display.splitViewWidth = m_splitter->sizes().first();
+    m_layouts.updateCurrent(m_display);
+    m_display.currentLayout = m_layouts.currentIndex();
     m_display.save(m_document->documentPath());
+    m_layouts.save(m_document->documentPath());
+}
+
+// ---- layouts ----
+
+void ZTLibraryWindow::useCurrentLayout()
+{
+    if (const ZTLayout *layout = m_layouts.current())
+        layout->applyTo(m_display);
+    applyColumns(m_itemTable);
+    applyColumns(m_filterTable);
+    updateSortIndicator();
+    saveDisplay();
+    Q_EMIT displayChanged();
+}
+
+void ZTLibraryWindow::switchLayout()
+{
+    m_layouts.updateCurrent(m_display);
+    if (m_layouts.switchLayout() < 0)
+        return;
+    // A new set of columns has no sort.
+    m_pipeline->setSortEntries({});
+    useCurrentLayout();
+}
+
+void ZTLibraryWindow::selectLayout(int index)
+{
+    if (index == m_layouts.currentIndex())
+        return;
+    m_layouts.updateCurrent(m_display);
+    if (!m_layouts.setCurrentIndex(index))
+        return;
+    m_pipeline->setSortEntries({});
+    useCurrentLayout();
+}
+
+int ZTLibraryWindow::addLayout()
+{
+    m_layouts.updateCurrent(m_display);
+    const int index = m_layouts.addLayout(m_display);
+    saveDisplay();
+    Q_EMIT displayChanged();
+    return index;
+}
+
+void ZTLibraryWindow::removeLayout(int index)
+{
+    if (!m_layouts.removeLayout(index))
+        return;
+    // With no layout left the table keeps its columns; the next opening makes a layout of them.
+    if (m_layouts.current())
+        useCurrentLayout();
+    else {
+        m_display.save(m_document->documentPath());
+        m_layouts.save(m_document->documentPath());
+        Q_EMIT displayChanged();
+    }
+}
+
+void ZTLibraryWindow::renameLayout(int index, const QString &name)
+{
+    if (!m_layouts.renameLayout(index, name))
+        return;
+    m_layouts.save(m_document->documentPath());
+    Q_EMIT displayChanged();
+}
+
+void ZTLibraryWindow::setTableFontSize(double points)
+{
+    m_display.fontSize = points > 0 ? qBound(4.0, points, 96.0) : 0;
+    applyColumns(m_itemTable);
+    applyColumns(m_filterTable);
+    saveDisplay();
+    Q_EMIT displayChanged();
+}
+
+void ZTLibraryWindow::setTableRowHeight(double pixels)
+{
+    m_display.rowHeight = qBound(8.0, pixels, 512.0);
+    applyColumns(m_itemTable);
+    applyColumns(m_filterTable);
+    saveDisplay();
+    Q_EMIT displayChanged();
 }
 
 ZTLibraryWindow::~ZTLibraryWindow()
@@ -720,6 +820,20 @@ void ZTLibraryWindow::closeEvent(QCloseEvent *event)
     saveDisplay();
     Q_EMIT closing();
     event->accept();
+}
+
+void ZTLibraryWindow::showEvent(QShowEvent *event)
+{
+    QMainWindow::showEvent(event);
+    // The list column's width is set once the splitter has its real size.
+    if (m_splitWidthRestored || m_display.splitViewWidth <= 0)
+        return;
+    m_splitWidthRestored = true;
+    QList<int> sizes = m_splitter->sizes();
+    const int list = qRound(m_display.splitViewWidth);
+    sizes[1] += sizes[0] - list;
+    sizes[0] = list;
+    m_splitter->setSizes(sizes);
 }
 
 void ZTLibraryWindow::changeEvent(QEvent *event)

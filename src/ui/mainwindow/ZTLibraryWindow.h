@@ -1,10 +1,12 @@
 #pragma once
 
+#include "library/ZTLayout.h"
 #include "library/ZTWindowDisplay.h"
 #include "lists/ZTListDrop.h"
 
 #include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
@@ -24,6 +26,7 @@ class ZTItemTableModel;
 class ZTItemTableView;
 class ZTListTableModel;
 class ZTListTableView;
+class ZTOptionsPanel;
 class ZTViewPipeline;
 
 // One window per open library: the list column, the item table (or the
@@ -71,6 +74,20 @@ public:
     // Shows or hides a column in both tables and remembers it for this library.
     void setColumnShown(const QString &identifier, bool shown);
 
+    // Layouts: named column sets with their font size and row height. Edits
+    // of the table go into the layout in use; switching clears the sort.
+    const ZTLayouts &layouts() const { return m_layouts; }
+    void switchLayout();
+    void selectLayout(int index);
+    int addLayout();
+    void removeLayout(int index);
+    void renameLayout(int index, const QString &name);
+    // 0 gives the desktop's font.
+    void setTableFontSize(double points);
+    void setTableRowHeight(double pixels);
+    // The floating panel that edits the layouts of this window.
+    ZTOptionsPanel *optionsPanel(bool create = true);
+
     // Menu commands.
     bool save();
     bool revert();
@@ -92,12 +109,15 @@ Q_SIGNALS:
     void quitRequested();
     void preferencesRequested();
     void sampleRequested();
+    // The layouts, the columns, the font size or the row height changed.
+    void displayChanged();
     // The window agreed to close (its library saved or changes discarded).
     void closing();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     // Builds the pipeline, the views and the menus over m_document.
@@ -109,6 +129,7 @@ private:
     void toggleColumn(const QString &identifier);
     void columnResized(int logical, int oldSize, int newSize);
     void saveDisplay();
+    void useCurrentLayout();
     void buildMenus();
     void connectActions();
     void listSelectionChanged();
@@ -150,6 +171,9 @@ private:
     QAction *m_unlockAction = nullptr;
     Question m_question;
     ZTWindowDisplay m_display;
+    ZTLayouts m_layouts;
+    QPointer<ZTOptionsPanel> m_optionsPanel;
     QTimer *m_displaySaveTimer = nullptr;
     bool m_refreshing = false;
+    bool m_splitWidthRestored = false;
 };

@@ -15,6 +15,7 @@
 #include "ui/mainwindow/ZTLibraryWindow.h"
 #include "ui/mainwindow/ZTListTableModel.h"
 #include "ui/mainwindow/ZTMainMenu.h"
+#include "ui/mainwindow/ZTOptionsPanel.h"
 #include "ui/mainwindow/ZTTableViews.h"
 #include "ui/sheets/ZTClearAttributesSheet.h"
 #include "ui/sheets/ZTItemSheet.h"
@@ -98,6 +99,13 @@ void ZTLibraryWindow::connectActions()
     on(6003, [this] { showFilterTab(false); });
     on(6004, [this] { showFilterTab(true); });
     on(6009, [this] { setDetailVisible(!isDetailVisible()); });
+    on(6007, [this] { switchLayout(); });
+    on(6010, [this] {
+        ZTOptionsPanel *panel = optionsPanel();
+        panel->setVisible(!panel->isVisible());
+        if (panel->isVisible())
+            panel->raise();
+    });
     on(6006, [this] {
         ZTItemTableView *table = currentTable();
         for (int c = 1; c < table->model()->columnCount(); ++c)
@@ -274,4 +282,11 @@ void ZTLibraryWindow::findUnlisted()
     }
     refresh();
     selectListRow(m_listModel->rowCount() - 1);
+}
+
+ZTOptionsPanel *ZTLibraryWindow::optionsPanel(bool create)
+{
+    if (!m_optionsPanel && create)
+        m_optionsPanel = new ZTOptionsPanel(this);
+    return m_optionsPanel;
 }
