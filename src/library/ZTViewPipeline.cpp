@@ -441,8 +441,11 @@ void ZTViewPipeline::sortDisplayedOids()
     if (!list)
         return;
     // A list's order is stored with it, so sorting it is a change to the library.
+    // Sorting an already sorted list changes nothing, and asks no save.
     QStringList oids = list->itemOids();
     ZTItemSorting::sortOids(m_document, oids, m_sortEntries);
+    if (oids == list->itemOids())
+        return;
     list->setItemOids(oids);
     m_document.updateChangeCount(ZTDocument::ChangeType::Done);
 }

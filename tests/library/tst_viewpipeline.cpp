@@ -410,6 +410,16 @@ void TestViewPipeline::sortingAListIsStored()
     // Leading articles do not count.
     QCOMPARE(f.titlesOf(f.document().mainList()->itemOids()), (QStringList{"Apple", "A Mango", "The Zebra"}));
     QVERIFY(f.document().isDocumentEdited());
+
+    // Sorting a list that is already in order asks no save.
+    QString error;
+    QVERIFY2(f.document().saveDocument(&error), qPrintable(error));
+    QVERIFY(!f.document().isDocumentEdited());
+    p.sortDisplayedOids();
+    QVERIFY(!f.document().isDocumentEdited());
+    p.didClickTableColumn(QStringLiteral("title"), 0, false); // descending: a real change
+    QCOMPARE(f.titlesOf(f.document().mainList()->itemOids()), (QStringList{"The Zebra", "A Mango", "Apple"}));
+    QVERIFY(f.document().isDocumentEdited());
 }
 
 void TestViewPipeline::listTableTypeAhead_data()
