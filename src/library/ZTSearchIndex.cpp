@@ -78,12 +78,36 @@ int ZTSearchIndex::slotForOid(const ZTItemTable &table, const QString &oid)
     const ZTItem *item = table.item(oid);
     if (!item)
         return -1;
-    const int slot = int(m_texts.size());
+    const int slot = int(m_entries.size());
     m_slots.insert(oid, slot);
     m_oids.push_back(oid);
-    m_texts.push_back(searchableText(*item).toUtf8());
-    m_stale.push_back(false);
+    m_entries.push_back({});
+    store(slot, searchableText(*item).toUtf8());
     return slot;
+}
+
+void ZTSearchIndex::store(int slot, const QByteArray &text)
+{
+    Entry &entry = m_entries[size_t(slot)];
+    m_unused += entry.size;
+    if (m_unused > 4096 && m_unused > m_buffer.size() / 2) {
+        // Mostly left-behind bytes: copy the live texts into a fresh buffer.
+        QByteArray compact;
+        compact.reserve(m_buffer.size() - m_unused + text.size());
+        for (Entry &other : m_entries) {
+            if (&other == &entry)
+                continue;
+            const qsizetype start = compact.size();
+            compact.append(m_buffer.constData() + other.start, other.size);
+            other.start = start;
+        }
+        m_buffer = std::move(compact);
+        m_unused = 0;
+    }
+    entry.start = m_buffer.size();
+    entry.size = text.size();
+    entry.stale = false;
+    m_buffer.append(text);
 }
 
 std::vector<int> ZTSearchIndex::slotsForOids(const ZTItemTable &table, const QStringList &oids)
@@ -102,25 +126,25 @@ std::vector<int> ZTSearchIndex::slotsForOids(const ZTItemTable &table, const QSt
 
 bool ZTSearchIndex::contains(const ZTItemTable &table, int slot, const QByteArray &needle)
 {
-    if (slot < 0 || size_t(slot) >= m_texts.size())
+    if (slot < 0 || size_t(slot) >= m_entries.size())
         return false;
-    if (m_stale[size_t(slot)]) {
+    if (m_entries[size_t(slot)].stale) {
         const ZTItem *item = table.item(m_oids[size_t(slot)]);
-        m_texts[size_t(slot)] = item ? searchableText(*item).toUtf8() : QByteArray();
-        m_stale[size_t(slot)] = false;
+        store(slot, item ? searchableText(*item).toUtf8() : QByteArray());
     }
-    const QByteArray &text = m_texts[size_t(slot)];
+    const Entry &entry = m_entries[size_t(slot)];
     // UTF-8 is self-synchronising, so a byte match is a character match.
-    return memmem(text.constData(), size_t(text.size()), needle.constData(), size_t(needle.size())) !=
-           nullptr;
+    return memmem(m_buffer.constData() + entry.start, size_t(entry.size), needle.constData(),
+                  size_t(needle.size())) != nullptr;
 }
 
 void ZTSearchIndex::invalidate()
 {
     m_slots.clear();
     m_oids.clear();
-    m_texts.clear();
-    m_stale.clear();
+    m_entries.clear();
+    m_buffer.clear();
+    m_unused = 0;
     m_lastOids.clear();
     m_lastSlots.clear();
 }
@@ -130,6 +154,6 @@ void ZTSearchIndex::invalidate(const QStringList &oids)
     for (const QString &oid : oids) {
         auto it = m_slots.constFind(oid);
         if (it != m_slots.constEnd())
-            m_stale[size_t(*it)] = true;
+            m_entries[size_t(*it)].stale = true;
     }
 }

@@ -33,15 +33,26 @@ public:
 
     void invalidate();
     void invalidate(const QStringList &oids);
-    qsizetype size() const { return qsizetype(m_texts.size()); }
+    qsizetype size() const { return qsizetype(m_entries.size()); }
 
 private:
     int slotForOid(const ZTItemTable &table, const QString &oid);
+    void store(int slot, const QByteArray &text);
 
+    // All texts live in one buffer, in the order items were first indexed
+    // (the order of the list searched), so a scan reads memory front to back
+    // instead of visiting a small block per item. A rebuilt text is appended
+    // and the old bytes left behind until they are half the buffer.
+    struct Entry {
+        qsizetype start = 0;
+        qsizetype size = 0;
+        bool stale = false;
+    };
     QHash<QString, int> m_slots;
     std::vector<QString> m_oids;
-    std::vector<QByteArray> m_texts;
-    std::vector<bool> m_stale;
+    std::vector<Entry> m_entries;
+    QByteArray m_buffer;
+    qsizetype m_unused = 0;
     QStringList m_lastOids;
     std::vector<int> m_lastSlots;
 };

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void thirteenDigitCodeFindsTheIsbn();
     void narrowingSearchesOnlyThePreviousResult();
     void deletingACharacterRescans();
+    void manyEditsKeepTheIndexRight();
     void searchIndexAgreesWithTheItems_data();
     void searchIndexAgreesWithTheItems();
     void browserShowsTheSelectedListsValues();
@@ -101,6 +102,37 @@ void TestViewPipeline::deletingACharacterRescans()
     QCOMPARE(p.controlTextDidChange(QString()), 0);
     QVERIFY(!p.usingSearch());
     QCOMPARE(p.baseOids().size(), 2);
+}
+
+// Each edit leaves the item's old text behind in the index until the index
+// tidies up; every text must still be found, and only where it now stands.
+void TestViewPipeline::manyEditsKeepTheIndexRight()
+{
+    ZTLibraryFixture f;
+    const QString alpha = f.addTitled(QStringLiteral("alpha"));
+    const QString beta = f.addTitled(QStringLiteral("beta"));
+    const QString gamma = f.addTitled(QStringLiteral("gamma"));
+    ZTViewPipeline p(f.document());
+    p.controlTextDidChange(QStringLiteral("a"));
+    for (int i = 0; i < 300; ++i) {
+        const QString mark = QStringLiteral("q%1").arg(i, 4, 10, QLatin1Char('0'));
+        f.document().itemForOid(beta)->setValueForKey(QString(80, QLatin1Char('w')) + mark, QStringLiteral("notes"));
+        p.itemsDidChange({beta});
+        p.controlTextDidChange(QString());
+        p.controlTextDidChange(mark);
+        QCOMPARE(p.searchedItemOids(), QStringList{beta});
+        if (i > 0) {
+            p.controlTextDidChange(QString());
+            p.controlTextDidChange(QStringLiteral("q%1").arg(i - 1, 4, 10, QLatin1Char('0')));
+            QVERIFY(p.searchedItemOids().isEmpty());
+        }
+    }
+    p.controlTextDidChange(QString());
+    p.controlTextDidChange(QStringLiteral("alpha"));
+    QCOMPARE(p.searchedItemOids(), QStringList{alpha});
+    p.controlTextDidChange(QString());
+    p.controlTextDidChange(QStringLiteral("gamm"));
+    QCOMPARE(p.searchedItemOids(), QStringList{gamma});
 }
 
 void TestViewPipeline::searchIndexAgreesWithTheItems_data()
