@@ -7,9 +7,11 @@
 #include "model/ZTItem.h"
 
 #include <QCollatorSortKey>
+#include <QHash>
 
 #include <algorithm>
 #include <optional>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -21,6 +23,9 @@ QVariantMap ZTSortEntry::dictionary() const
 }
 
 namespace {
+
+// Below this many rows a second thread costs more than it saves.
+constexpr qsizetype s_parallelSortSize = 20000;
 
 bool isNil(const QVariant &v)
 {
@@ -116,12 +121,38 @@ void ZTItemSorting::sortOids(const ZTDocument &document, QStringList &oids, cons
     const qsizetype rows = oids.size();
     const qsizetype keys = entries.size();
     std::vector<SortValue> values(static_cast<size_t>(rows * keys));
-    for (qsizetype r = 0; r < rows; ++r) {
-        const ZTItem *item = table.item(oids[r]);
-        if (!item)
-            continue;
-        for (qsizetype k = 0; k < keys; ++k)
-            values[size_t(r * keys + k)] = sortValueFor(readers[k].read(*item));
+    // Collation keys are the costly part: a text met again (a genre, a
+    // publisher) reuses its key, and a long list is keyed in two halves side by
+    // side, each with its own collator. Each item is read by one thread only.
+    auto fill = [&](qsizetype from, qsizetype to) {
+        std::vector<QHash<QString, QCollatorSortKey>> known(static_cast<size_t>(keys));
+        for (qsizetype r = from; r < to; ++r) {
+            const ZTItem *item = table.item(oids[r]);
+            if (!item)
+                continue;
+            for (qsizetype k = 0; k < keys; ++k) {
+                const QVariant value = readers[k].read(*item);
+                SortValue &slot = values[size_t(r * keys + k)];
+                if (value.typeId() != QMetaType::QString || isNil(value)) {
+                    slot = sortValueFor(value);
+                    continue;
+                }
+                const QString &text = *static_cast<const QString *>(value.constData());
+                QHash<QString, QCollatorSortKey> &memo = known[size_t(k)];
+                auto it = memo.constFind(text);
+                if (it == memo.constEnd())
+                    it = memo.insert(text, ZTTextOrder::sortKey(text));
+                slot.kind = SortValue::Kind::Text;
+                slot.text = *it;
+            }
+        }
+    };
+    if (rows >= s_parallelSortSize) {
+        std::thread second(fill, rows / 2, rows);
+        fill(0, rows / 2);
+        second.join();
+    } else {
+        fill(0, rows);
     }
     std::vector<qsizetype> order(static_cast<size_t>(rows));
     for (qsizetype r = 0; r < rows; ++r)
