@@ -37,12 +37,6 @@ public:
     // Every key present with no values: the sub caches while the main list shows.
     static ZTLibraryCaches empty(const ZTCacheableAttributes &attributes);
 
-    // One pass over the items, each visited once for all keys, giving the
-    // filter dictionary form above. `contacts` seeds the borrower names.
-    static QVariantMap filterDictionaryForItems(const QList<ZTItem *> &items,
-                                                const ZTCacheableAttributes &attributes,
-                                                const QStringList &contacts);
-
     const QVariantMap &cacheDictionary() const { return m_cacheDictionary; }
     const QVariantMap &tagDictionary() const { return m_tagDictionary; }
     QVariantList values(const QString &key) const { return m_cacheDictionary.value(key).toList(); }

@@ -126,10 +126,8 @@ QStringList *ZTViewPipeline::arrayBehindView(ZTList **list)
 
 QVariantMap ZTViewPipeline::filterDictionaryForList(const ZTList &list) const
 {
-    return ZTLibraryCaches::filterDictionaryForItems(
-        m_document.itemsForOids(list.itemOids()),
-        m_document.attributeTables().cacheableAttributesDictionary(),
-        ZTContacts::shared().peopleFromAddressBook());
+    // The caches keep values and counts, not which items hold them.
+    return list.filterDictionaryFromDocument(m_document, ZTContacts::shared().peopleFromAddressBook(), false);
 }
 
 void ZTViewPipeline::updateMainCaches()

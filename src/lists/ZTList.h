@@ -56,8 +56,11 @@ public:
     // sorted values, and under "[[[COUNT]]]" and "[[[OID]]]" the count (as a
     // decimal string) and the oids of every value. `addressBookNames` seeds the
     // "personName" completion list.
+    // The value caches need the counts alone: `withOids` false leaves out the
+    // "[[[OID]]]" table, the larger part of the work and of the memory.
     QVariantMap filterDictionaryFromDocument(const ZTDocument &document,
-                                             const QStringList &addressBookNames = {}) const;
+                                             const QStringList &addressBookNames = {},
+                                             bool withOids = true) const;
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;

@@ -116,7 +116,7 @@ QString noText()
 } // namespace
 
 QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
-                                                 const QStringList &addressBookNames) const
+                                                 const QStringList &addressBookNames, bool withOids) const
 {
     const ZTCacheableAttributes &keys = document.attributeTables().cacheableAttributesDictionary();
     const QString yes = yesText();
@@ -282,15 +282,18 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         for (const QString &value : sorted) {
             const std::vector<int> &rows = column.rows[size_t(column.index.value(value))];
             counts.insert(value, QString::number(rows.size()));
-            oids.insert(value, oidsAt(rows));
+            if (withOids)
+                oids.insert(value, oidsAt(rows));
         }
         if (column.hasBlank) {
             counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size()));
-            oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows));
+            if (withOids)
+                oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows));
         }
         result.insert(key, sorted);
         countTable.insert(key, counts);
-        oidTable.insert(key, oids);
+        if (withOids)
+            oidTable.insert(key, oids);
     };
     for (int k = 0; k < keys.string.size(); ++k) {
         const Column &column = tally.strings[size_t(k)];
@@ -317,7 +320,8 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         fill(0, rowCount);
     }
     result.insert(ZTFilterDictionaryKey::counts, countTable);
-    result.insert(ZTFilterDictionaryKey::oids, oidTable);
+    if (withOids)
+        result.insert(ZTFilterDictionaryKey::oids, oidTable);
 
     QSet<QString> languages;
     for (const char *key : {"language", "originalLanguage"}) {
