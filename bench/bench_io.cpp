@@ -77,7 +77,7 @@ int main(int argc, char **argv)
     // The importer's own share: every row made into the map an item takes.
     double rowCpu = cpuMs();
     for (const auto &row : importer.rows()) {
-        QHash<QString, ZTDateBit> bits;
+        ZTImportDateBits bits;
         importer.displayDictionaryForRow(row, &bits);
     }
     rowCpu = cpuMs() - rowCpu;

@@ -2,6 +2,7 @@
 
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
+#include "library/ZTItemTable.h"
 #include "model/ZTDateUtil.h"
 #include "model/ZTItem.h"
 #include "model/ZTMoneyFormatter.h"
@@ -95,31 +96,36 @@ QString ZTExportController::quotedValue(const QString &value, QChar delimiter)
     return QLatin1Char('"') + quoted + QLatin1Char('"');
 }
 
+QVariant ZTExportController::Column::read(const ZTItem &item, const ZTItem::KeyReader &reader)
+{
+    // A key the reader could not resolve (no accessor, no stored attribute)
+    // still gets the item's own answer.
+    return reader.get || reader.slot >= 0 ? reader.read(item) : item.valueForKey(reader.key);
+}
+
 QString ZTExportController::cellText(const ZTItem &item, const Column &column, const QVariant &value) const
 {
-    if (column.toMany) {
-        const QStringList values = value.toStringList();
-        if (m_multiple == MultipleAttributes::SingleColumn)
-            return values.join(m_multipleDelimiter);
-        return column.index < values.size() ? values.at(column.index) : QString();
-    }
     if (isBlank(value))
         return {};
-    if (column.type == QLatin1String("rating"))
+    switch (column.kind) {
+    case Column::Kind::Rating:
         return QString::number(value.toLongLong());
-    if (column.type == QLatin1String("boolean"))
-        return value.toBool() ? tr("Yes") : tr("No");
-    if (column.type == QLatin1String("float")) {
-        const QString code = item.valueForKey(column.key + QLatin1String("Locale")).toString();
+    case Column::Kind::Boolean:
+        return value.toBool() ? m_yes : m_no;
+    case Column::Kind::Float: {
+        const QString code = Column::read(item, column.localeReader).toString();
         return ZTMoneyFormatter::formatterForLocale(code.isEmpty() ? QStringLiteral("USD") : code)
             .string(value.toDouble());
     }
-    if (column.type == QLatin1String("date")) {
-        const QString bitKey = column.key + QLatin1String("BitFlag");
-        const ZTDateBit bit = item.hasKey(bitKey) ? ZTDateBit::fromVariant(item.valueForKey(bitKey))
-                                                  : ZTDateBit(ZTDateBit::FullDate);
+    case Column::Kind::Date: {
+        const ZTDateBit bit = column.hasBitFlag ? ZTDateBit::fromVariant(Column::read(item, column.bitReader))
+                                                : ZTDateBit(ZTDateBit::FullDate);
         return m_dateFormatters.at(size_t(bit.value()))
             .stringFromDate(value.toDateTime().toTimeZone(m_zone).date());
+    }
+    case Column::Kind::ToMany:
+    case Column::Kind::Other:
+        break;
     }
     if (value.typeId() == QMetaType::Bool)
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
@@ -131,80 +137,115 @@ QString ZTExportController::exportString()
     if (!document())
         return {};
     const ZTAttributeTables &tables = document()->attributeTables();
-    // The locale's date formats and the time zone are learnt once per run, not
-    // once per cell: asking the C library for local time re-reads the zone
-    // file's status every time.
+    // The locale's date formats, the time zone and the yes/no words are
+    // learnt once per run, not once per cell.
     m_zone = QTimeZone::systemTimeZone();
     for (const ZTDateBit bit : {ZTDateBit::FullDate, ZTDateBit::YearMonth, ZTDateBit::Year})
         m_dateFormatters[size_t(bit.value())] = ZTDateUtil::standardDateFormatterForDateBit(bit);
+    m_yes = tr("Yes");
+    m_no = tr("No");
+    const ZTItemTable table(*document());
     const QStringList keys = selectedKeys();
     QList<Column> selected;
+    qsizetype toManyCount = 0;
     for (const QString &key : keys) {
         Column column;
-        column.key = key;
+        column.reader = table.reader(key);
+        QString type = QStringLiteral("string");
         if (const ZTTypedAttribute *attribute = tables.exportableAttribute(key)) {
-            column.type = attribute->type;
-            column.toMany = attribute->toMany;
-        } else {
-            column.type = QStringLiteral("string");
+            type = attribute->type;
+            if (attribute->toMany) {
+                column.kind = Column::Kind::ToMany;
+                column.toManyIndex = int(toManyCount++);
+            }
+        }
+        if (column.kind != Column::Kind::ToMany) {
+            if (type == QLatin1String("rating")) {
+                column.kind = Column::Kind::Rating;
+            } else if (type == QLatin1String("boolean")) {
+                column.kind = Column::Kind::Boolean;
+            } else if (type == QLatin1String("float")) {
+                column.kind = Column::Kind::Float;
+                column.localeReader = table.reader(key + QLatin1String("Locale"));
+            } else if (type == QLatin1String("date")) {
+                column.kind = Column::Kind::Date;
+                column.bitReader = table.reader(key + QLatin1String("BitFlag"));
+            }
         }
         selected << column;
     }
 
-    // Each item's values are read once; the widest to-many value decides how
-    // many columns a key gets.
     const QStringList &oids = this->oids();
-    QList<ZTItem *> items;
-    QList<QVariantList> values;
+    QList<const ZTItem *> items;
     items.reserve(oids.size());
-    values.reserve(oids.size());
-    QList<int> maxima(selected.size(), 1);
-    for (const QString &oid : oids) {
-        ZTItem *item = document()->itemForOid(oid);
-        items << item;
-        QVariantList row;
-        if (item) {
-            row.reserve(selected.size());
-            for (qsizetype c = 0; c < selected.size(); ++c) {
-                const QVariant value = item->valueForKey(selected.at(c).key);
-                if (selected.at(c).toMany)
-                    maxima[c] = std::max(maxima[c], int(value.toStringList().size()));
-                row << value;
-            }
+    for (const QString &oid : oids)
+        items << table.item(oid);
+    // Whether an item answers to a date's "BitFlag" key depends on its kind
+    // only, so the first item tells for all.
+    for (const ZTItem *item : std::as_const(items)) {
+        if (!item)
+            continue;
+        for (Column &column : selected)
+            if (column.kind == Column::Kind::Date)
+                column.hasBitFlag = item->hasKey(column.bitReader.key);
+        break;
+    }
+
+    // The to-many values are read first, once per item: the widest of them
+    // decides how many columns a key gets.
+    const bool separate = m_multiple == MultipleAttributes::SeparateColumns;
+    QList<int> maxima(toManyCount, 1);
+    QList<QStringList> toManyValues(items.size() * toManyCount);
+    for (qsizetype r = 0; r < items.size(); ++r) {
+        const ZTItem *item = items.at(r);
+        if (!item)
+            continue;
+        for (const Column &column : std::as_const(selected)) {
+            if (column.kind != Column::Kind::ToMany)
+                continue;
+            QStringList &values = toManyValues[r * toManyCount + column.toManyIndex];
+            values = Column::read(*item, column.reader).toStringList();
+            maxima[column.toManyIndex] = std::max(maxima[column.toManyIndex], int(values.size()));
         }
-        values << row;
     }
 
     const QChar delimiter = this->delimiter();
     const QString lineEnd = lineBreak();
-    QList<Column> columns;
-    QList<int> valueIndex; // which entry of an item's values feeds each column
     QStringList titles;
-    for (qsizetype c = 0; c < selected.size(); ++c) {
-        const Column &column = selected.at(c);
-        const ZTExportColumn *exportColumn = tables.exportColumn(column.key);
-        const QString title = exportColumn ? exportColumn->title : column.key;
+    for (const Column &column : std::as_const(selected)) {
+        const ZTExportColumn *exportColumn = tables.exportColumn(column.reader.key);
+        const QString title = exportColumn ? exportColumn->title : column.reader.key;
         const int repeat =
-            column.toMany && m_multiple == MultipleAttributes::SeparateColumns ? maxima.at(c) : 1;
-        for (int i = 0; i < repeat; ++i) {
-            Column copy = column;
-            copy.index = i;
-            columns << copy;
-            valueIndex << int(c);
+            column.kind == Column::Kind::ToMany && separate ? maxima.at(column.toManyIndex) : 1;
+        for (int i = 0; i < repeat; ++i)
             titles << quotedValue(repeat >= 2 ? QStringLiteral("%1%2").arg(title).arg(i + 1) : title,
                                   delimiter);
-        }
     }
 
     QString text = titles.join(delimiter) + lineEnd;
+    QString line;
     for (qsizetype r = 0; r < items.size(); ++r) {
-        QString line;
+        line.clear();
         if (const ZTItem *item = items.at(r)) {
-            for (qsizetype c = 0; c < columns.size(); ++c) {
-                if (c)
+            bool first = true;
+            auto addCell = [&](const QString &cell) {
+                if (!first)
                     line += delimiter;
-                line +=
-                    quotedValue(cellText(*item, columns.at(c), values.at(r).at(valueIndex.at(c))), delimiter);
+                first = false;
+                line += quotedValue(cell, delimiter);
+            };
+            for (const Column &column : std::as_const(selected)) {
+                if (column.kind != Column::Kind::ToMany) {
+                    addCell(cellText(*item, column, Column::read(*item, column.reader)));
+                    continue;
+                }
+                const QStringList &values = toManyValues.at(r * toManyCount + column.toManyIndex);
+                if (!separate) {
+                    addCell(values.join(m_multipleDelimiter));
+                    continue;
+                }
+                for (int i = 0; i < maxima.at(column.toManyIndex); ++i)
+                    addCell(i < values.size() ? values.at(i) : QString());
             }
         }
         text += line;

@@ -2,6 +2,7 @@
 
 #include "export/ZTExportFormatController.h"
 
+#include "model/ZTItem.h"
 #include "model/ZTPatternDateFormatter.h"
 
 #include <QTimeZone>
@@ -52,10 +53,14 @@ public:
 
 private:
     struct Column {
-        QString key;
-        QString type;
-        bool toMany = false;
-        int index = -1; // the value's position, for a to-many key in separate columns
+        enum class Kind { Other, ToMany, Rating, Boolean, Float, Date };
+        Kind kind = Kind::Other;
+        ZTItem::KeyReader reader;
+        ZTItem::KeyReader localeReader; // a price's currency
+        ZTItem::KeyReader bitReader;    // a date's precision
+        bool hasBitFlag = false;
+        int toManyIndex = -1; // the column's place among the to-many ones
+        static QVariant read(const ZTItem &item, const ZTItem::KeyReader &reader);
     };
     QString cellText(const ZTItem &item, const Column &column, const QVariant &value) const;
 
@@ -66,4 +71,5 @@ private:
     QString m_multipleDelimiter;
     std::array<ZTPatternDateFormatter, 3> m_dateFormatters; // by ZTDateBit value
     QTimeZone m_zone;
+    QString m_yes, m_no;
 };

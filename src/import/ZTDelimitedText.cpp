@@ -62,21 +62,27 @@ QList<QStringList> ZTDelimitedText::split(const QString &normalized, QChar delim
     enum State { FieldStart, Unquoted, QuoteInQuotes, InQuotes };
     QList<QStringList> lines;
     QStringList line;
-    QString field;
     State state = FieldStart;
-    const QChar quote = QLatin1Char('"');
-    const QChar cr = QLatin1Char('\r');
-    for (const QChar c : normalized) {
+    const char16_t quote = u'"';
+    const char16_t cr = u'\r';
+    const char16_t delim = delimiter.unicode();
+    // Every character that does not end a field belongs to it, quotes
+    // included, so a field is always the run from its first character to the
+    // delimiter or line end that closes it: it is cut out whole, not built up.
+    const QChar *text = normalized.constData();
+    const qsizetype size = normalized.size();
+    qsizetype fieldStart = 0;
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = text[i].unicode();
         if (state == InQuotes) {
             // Inside quotes everything is text, line ends and delimiters included.
-            field.append(c);
             if (c == quote)
                 state = QuoteInQuotes;
             continue;
         }
-        if (c == cr || c == delimiter) {
-            line.append(field);
-            field.clear();
+        if (c == cr || c == delim) {
+            line.append(QString(text + fieldStart, i - fieldStart));
+            fieldStart = i + 1;
             if (c == cr) {
                 lines.append(line);
                 line.clear();
@@ -84,7 +90,6 @@ QList<QStringList> ZTDelimitedText::split(const QString &normalized, QChar delim
             state = FieldStart;
             continue;
         }
-        field.append(c);
         if (c == quote)
             state = state == Unquoted ? Unquoted : InQuotes;
         else
@@ -92,8 +97,8 @@ QList<QStringList> ZTDelimitedText::split(const QString &normalized, QChar delim
     }
     // A quote left open swallows the rest of the text into its field; what it
     // collected still counts as the last line's field.
-    if (!field.isEmpty() || !line.isEmpty()) {
-        line.append(field);
+    if (fieldStart < size || !line.isEmpty()) {
+        line.append(QString(text + fieldStart, size - fieldStart));
         lines.append(line);
     }
     return lines;

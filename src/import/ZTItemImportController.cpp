@@ -15,6 +15,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QSet>
+#include <QVarLengthArray>
 
 #include <limits>
 
@@ -156,14 +157,14 @@ void ZTItemImportController::parseFile()
     m_rows.reserve(lines.size() - 1);
     for (qsizetype i = 1; i < lines.size(); ++i) {
         const QStringList &cells = lines.at(i);
-        QHash<QString, QString> row;
         const qsizetype count = std::min(cells.size(), titles.size());
+        ZTImportRow row(count);
+        bool any = false;
         for (qsizetype c = 0; c < count; ++c) {
-            const QString cell = ZTDelimitedText::cleanCell(cells.at(c));
-            if (!cell.isNull())
-                row.insert(titles.at(c), cell);
+            row[c] = ZTDelimitedText::cleanCell(cells.at(c));
+            any = any || !row[c].isNull();
         }
-        if (!row.isEmpty())
+        if (any)
             m_rows.append(row);
     }
     validateTable(lines);
@@ -335,8 +336,17 @@ QDateTime ZTItemImportController::parseDate(const QString &text, int formatIndex
     return {};
 }
 
-QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString, QString> &row,
-                                                            QHash<QString, ZTDateBit> *dateBits)
+QHash<QString, QString> ZTItemImportController::rowDictionary(const ZTImportRow &row) const
+{
+    QHash<QString, QString> dictionary;
+    for (qsizetype c = 0; c < row.size() && c < m_keyDicts.size(); ++c)
+        if (!row[c].isNull())
+            dictionary.insert(m_keyDicts[c].fromColumn, row[c]);
+    return dictionary;
+}
+
+QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &row,
+                                                            ZTImportDateBits *dateBits)
 {
     // The attribute of each column is looked up once per row, not per value.
     QList<const ZTTypedAttribute *> attributes;
@@ -346,20 +356,22 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString,
     return displayDictionaryForRow(row, attributes, dateBits);
 }
 
-QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString, QString> &row,
+QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &row,
                                                             const QList<const ZTTypedAttribute *> &attributes,
-                                                            QHash<QString, ZTDateBit> *dateBits)
+                                                            ZTImportDateBits *dateBits)
 {
     QVariantMap display;
-    QHash<QString, const ZTTypedAttribute *> converted;
+    // Columns whose text becomes a number or a flag, by title, the later of two
+    // columns for one title replacing the earlier; a row has few of them.
+    QVarLengthArray<std::pair<QString, const ZTTypedAttribute *>, 8> converted;
     for (qsizetype i = 0; i < m_keyDicts.size(); ++i) {
         ZTImportColumn &column = m_keyDicts[i];
         const ZTTypedAttribute *attribute = attributes.at(i);
         if (!column.state || !attribute)
             continue;
-        const auto cell = row.constFind(column.fromColumn);
-        if (cell == row.constEnd())
+        if (i >= row.size() || row[i].isNull())
             continue;
+        const QString *cell = &row[i];
         if (attribute->toMany) {
             QStringList values = display.value(column.toColumn).toStringList();
             const QString delimiter = column.value.toString();
@@ -375,31 +387,42 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const QHash<QString,
             const QDateTime date = parseDate(*cell, column.value.toInt(), &bit);
             if (date.isValid()) {
                 display.insert(column.toColumn, date);
-                dateBits->insert(column.toColumn, bit);
+                auto known = std::find_if(dateBits->begin(), dateBits->end(),
+                                          [&](const auto &entry) { return entry.first == column.toColumn; });
+                if (known == dateBits->end())
+                    dateBits->append({column.toColumn, bit});
+                else
+                    known->second = bit;
             }
         } else {
             display.insert(column.toColumn, *cell);
-            if (attribute->type != QLatin1String("string"))
-                converted.insert(column.toColumn, attribute);
+            if (attribute->type != QLatin1String("string")) {
+                auto known = std::find_if(converted.begin(), converted.end(),
+                                          [&](const auto &entry) { return entry.first == column.toColumn; });
+                if (known == converted.end())
+                    converted.append({column.toColumn, attribute});
+                else
+                    known->second = attribute;
+            }
         }
     }
     // Converted once all columns are in: of two columns naming one attribute
     // the later wins.
-    for (auto it = converted.constBegin(); it != converted.constEnd(); ++it)
-        display.insert(it.key(), convertedValue(it.value()->type, display.value(it.key()).toString()));
+    for (const auto &[title, attribute] : converted)
+        display.insert(title, convertedValue(attribute->type, display.value(title).toString()));
     return display;
 }
 
 QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
-                                                   const QHash<QString, ZTDateBit> &dateBits) const
+                                                   const ZTImportDateBits &dateBits) const
 {
     QVariantMap dictionary = ZTDisplayDictionary::dictionaryFromDisplayDictionary(
         m_kind, display, ZTDisplayDictionary::defaultCurrency());
     const QHash<QString, QString> &keys = ZTDisplayDictionary::labelToKey(m_kind);
-    for (auto it = dateBits.constBegin(); it != dateBits.constEnd(); ++it) {
-        const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(keys.value(it.key()));
+    for (const auto &[title, bit] : dateBits) {
+        const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(keys.value(title));
         if (!bitKey.isEmpty())
-            dictionary.insert(bitKey, it.value().value());
+            dictionary.insert(bitKey, bit.value());
     }
     dictionary = ZTDisplayDictionary::withHandleDictionaryDefaults(dictionary);
     // A loan is made only for a row that says it is lent out. The name is read
@@ -456,8 +479,8 @@ ZTItemImportController::SaveResult ZTItemImportController::save(int *added)
     QList<const ZTTypedAttribute *> attributes;
     for (const ZTImportColumn &column : std::as_const(m_keyDicts))
         attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
-    for (const QHash<QString, QString> &row : std::as_const(m_rows)) {
-        QHash<QString, ZTDateBit> dateBits;
+    for (const ZTImportRow &row : std::as_const(m_rows)) {
+        ZTImportDateBits dateBits;
         const QVariantMap display = displayDictionaryForRow(row, attributes, &dateBits);
         if (display.isEmpty())
             continue;

@@ -25,6 +25,13 @@ struct ZTImportColumn {
     QVariant value;
 };
 
+// One data line: the cell under each file column, by the column's position;
+// a null text where the line has no cell there (or an empty one).
+using ZTImportRow = QStringList;
+// The precision of each date a row gave, by attribute title. A row has few
+// dates, so a short list beats a hash.
+using ZTImportDateBits = QList<std::pair<QString, ZTDateBit>>;
+
 struct ZTImportDateFormat {
     QString displayFormat; // translated, as the pop-up shows it
     QString dateFormat;
@@ -64,7 +71,9 @@ public:
     QChar delimiter() const { return m_delimiter; }
     QList<ZTImportColumn> &keyDicts() { return m_keyDicts; }
     const QList<ZTImportColumn> &keyDicts() const { return m_keyDicts; }
-    const QList<QHash<QString, QString>> &rows() const { return m_rows; }
+    const QList<ZTImportRow> &rows() const { return m_rows; }
+    // A row as the column titles name its cells; for reading, not for speed.
+    QHash<QString, QString> rowDictionary(const ZTImportRow &row) const;
 
     // Choosing an attribute switches the column on and forgets its value.
     void setToColumn(int column, const QString &title);
@@ -82,8 +91,7 @@ public:
     // One row as the item will take it: attribute titles to converted values.
     // Partial dates that had to be read with a shorter pattern report their
     // precision in `dateBits`.
-    QVariantMap displayDictionaryForRow(const QHash<QString, QString> &row,
-                                        QHash<QString, ZTDateBit> *dateBits);
+    QVariantMap displayDictionaryForRow(const ZTImportRow &row, ZTImportDateBits *dateBits);
 
     // The conversions by attribute type ("integer", "float", "rating", "boolean").
     static QVariant convertedValue(const QString &type, const QString &text);
@@ -94,11 +102,11 @@ public:
     static QDateTime parseDate(const QString &text, int formatIndex, ZTDateBit *bit);
 
 private:
-    QVariantMap displayDictionaryForRow(const QHash<QString, QString> &row,
+    QVariantMap displayDictionaryForRow(const ZTImportRow &row,
                                         const QList<const ZTTypedAttribute *> &attributes,
-                                        QHash<QString, ZTDateBit> *dateBits);
+                                        ZTImportDateBits *dateBits);
     void validateTable(const QList<QStringList> &lines);
-    QVariantMap itemDictionary(const QVariantMap &display, const QHash<QString, ZTDateBit> &dateBits) const;
+    QVariantMap itemDictionary(const QVariantMap &display, const ZTImportDateBits &dateBits) const;
     void applyLending(ZTItem *item, const QVariantMap &display) const;
 
     ZTDocument *m_document = nullptr;
@@ -108,6 +116,6 @@ private:
     QString m_problem;
     QChar m_delimiter = QLatin1Char('\t');
     QList<ZTImportColumn> m_keyDicts;
-    QList<QHash<QString, QString>> m_rows;
+    QList<ZTImportRow> m_rows;
     QStringList m_toColumns;
 };

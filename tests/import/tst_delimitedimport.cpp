@@ -29,7 +29,7 @@ QStringList rowsText(const ZTItemImportController &importer)
 {
     QStringList rows;
     for (const auto &row : importer.rows())
-        rows << rowText(row);
+        rows << rowText(importer.rowDictionary(row));
     return rows;
 }
 } // namespace
@@ -307,9 +307,13 @@ private Q_SLOTS:
             QSet<QString> titles;
             for (const ZTImportColumn &column : importer.keyDicts())
                 titles.insert(column.fromColumn);
-            for (const auto &row : importer.rows())
-                for (auto it = row.constBegin(); it != row.constEnd(); ++it)
+            for (const auto &row : importer.rows()) {
+                QVERIFY2(row.size() <= importer.keyDicts().size(),
+                         qPrintable(text.toUtf8().toPercentEncoding()));
+                const auto dictionary = importer.rowDictionary(row);
+                for (auto it = dictionary.constBegin(); it != dictionary.constEnd(); ++it)
                     QVERIFY2(titles.contains(it.key()), qPrintable(text.toUtf8().toPercentEncoding()));
+            }
             const qsizetype before = document->allItems().size();
             int added = 0;
             const auto result = importer.save(&added);
