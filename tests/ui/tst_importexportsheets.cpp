@@ -124,6 +124,7 @@ private Q_SLOTS:
     void exportWritesTheTickedListsAsDelimitedText();
     void exportWritesXmlThatParses();
     void exportButtonFollowsTheNumberOfItemsPicked();
+    void exportThatCannotBeWrittenWarnsAndStays();
     void windowMenusOpenTheSheetsAndShowTheirResults();
 };
 
@@ -510,6 +511,27 @@ void TestImportExportSheets::exportButtonFollowsTheNumberOfItemsPicked()
     QCOMPARE(cancelled.asked.size(), 1);
     QVERIFY(sheet.isVisible());
     QCOMPARE(QDir(f.dir().path()).entryList(QDir::Files), QStringList());
+}
+
+void TestImportExportSheets::exportThatCannotBeWrittenWarnsAndStays()
+{
+    ZTSheetFixture f;
+    f.addTitled(text("Dune"));
+    // A file standing where the folder should be: no export can go there.
+    const QString blocker = writeFile(f.dir(), QStringLiteral("not-a-folder"), "x");
+    ZTExportSheet sheet(f.document());
+    Warnings warnings;
+    sheet.setWarning(warnings.hook());
+    SavePanel panel{blocker + QStringLiteral("/out.txt"), {}};
+    sheet.setSaveChooser(panel.hook());
+    QSignalSpy exported(&sheet, &ZTExportSheet::exported);
+    sheet.show();
+    sheet.exportButton()->click();
+    QCOMPARE(warnings.titles, QStringList{text("The export could not be written.")});
+    QVERIFY(!warnings.messages.first().isEmpty());
+    QVERIFY(sheet.isVisible());
+    QCOMPARE(exported.size(), 0);
+    QCOMPARE(readFile(blocker), QByteArray("x"));
 }
 
 void TestImportExportSheets::windowMenusOpenTheSheetsAndShowTheirResults()
