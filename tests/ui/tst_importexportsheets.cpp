@@ -1,3 +1,4 @@
+#include "app/ZTLog.h"
 #include "export/ZTExportConfigurationController.h"
 #include "export/ZTExportController.h"
 #include "export/ZTListPickerController.h"
@@ -19,6 +20,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
@@ -124,7 +126,7 @@ private Q_SLOTS:
     void exportWritesTheTickedListsAsDelimitedText();
     void exportWritesXmlThatParses();
     void exportButtonFollowsTheNumberOfItemsPicked();
-    void exportThatCannotBeWrittenWarnsAndStays();
+    void exportThatCannotBeWrittenEndsQuietly();
     void windowMenusOpenTheSheetsAndShowTheirResults();
 };
 
@@ -513,25 +515,31 @@ void TestImportExportSheets::exportButtonFollowsTheNumberOfItemsPicked()
     QCOMPARE(QDir(f.dir().path()).entryList(QDir::Files), QStringList());
 }
 
-void TestImportExportSheets::exportThatCannotBeWrittenWarnsAndStays()
+void TestImportExportSheets::exportThatCannotBeWrittenEndsQuietly()
 {
     ZTSheetFixture f;
     f.addTitled(text("Dune"));
     // A file standing where the folder should be: no export can go there.
     const QString blocker = writeFile(f.dir(), QStringLiteral("not-a-folder"), "x");
     ZTExportSheet sheet(f.document());
-    Warnings warnings;
-    sheet.setWarning(warnings.hook());
     SavePanel panel{blocker + QStringLiteral("/out.txt"), {}};
     sheet.setSaveChooser(panel.hook());
     QSignalSpy exported(&sheet, &ZTExportSheet::exported);
+    QStringList logged;
+    const ZTLog::Token token = ZTLog::addSink([&logged](const ZTLog::Line &line) { logged << line.message; });
     sheet.show();
     sheet.exportButton()->click();
-    QCOMPARE(warnings.titles, QStringList{text("The export could not be written.")});
-    QVERIFY(!warnings.messages.first().isEmpty());
-    QVERIFY(sheet.isVisible());
+    ZTLog::removeSink(token);
+    // No alert: the sheet ends, nothing is reported as exported, the reason
+    // goes to the log, and what stood at the path is untouched.
+    QVERIFY(!sheet.isVisible());
+    QCOMPARE(sheet.result(), int(QDialog::Accepted));
     QCOMPARE(exported.size(), 0);
+    QCOMPARE(logged.size(), 1);
+    QVERIFY(logged.first().contains(blocker));
     QCOMPARE(readFile(blocker), QByteArray("x"));
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        QVERIFY(!qobject_cast<QMessageBox *>(widget) || !widget->isVisible());
 }
 
 void TestImportExportSheets::windowMenusOpenTheSheetsAndShowTheirResults()

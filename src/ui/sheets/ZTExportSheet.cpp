@@ -1,5 +1,6 @@
 #include "ui/sheets/ZTExportSheet.h"
 
+#include "app/ZTLog.h"
 #include "export/ZTExportConfigurationController.h"
 #include "export/ZTExportController.h"
 #include "export/ZTListPickerController.h"
@@ -27,6 +28,9 @@
 #include <QVBoxLayout>
 
 namespace {
+// The log's number for lines about exports.
+constexpr int s_exportLogContext = 60;
+
 QString text(const char *english)
 {
     return QCoreApplication::translate("Localizable", english);
@@ -289,9 +293,12 @@ void ZTExportSheet::exportItems()
     }
     if (path.isEmpty())
         return;
+    // A file that cannot be written ends the export without a word to the
+    // user; the log keeps the reason.
     QString error;
     if (!m_configuration->exportChoice(tag) || !m_configuration->performExport(path, &error)) {
-        ZTSheetWidgets::warn(m_warning, this, text("The export could not be written."), error);
+        ZTLog::warning(s_exportLogContext, QStringLiteral("export to %1 not written: %2").arg(path, error));
+        accept();
         return;
     }
     Q_EMIT exported(path);

@@ -38,7 +38,6 @@ public:
     // means the user cancelled. Replaceable so that tests open no dialog.
     using SaveChooser = std::function<QString(const QString &fileType)>;
     void setSaveChooser(SaveChooser chooser) { m_chooser = std::move(chooser); }
-    void setWarning(ZTSheetWidgets::Warning warning) { m_warning = std::move(warning); }
 
     // The text-file columns chosen last time; none remembered ticks them all.
     void setRememberedKeys(const QStringList &keys);
@@ -81,7 +80,6 @@ private:
     std::unique_ptr<ZTExportConfigurationController> m_configuration;
     std::unique_ptr<ZTListPickerController> m_picker;
     SaveChooser m_chooser;
-    ZTSheetWidgets::Warning m_warning;
     QStringList m_rememberedKeys;
     QButtonGroup *m_formats = nullptr;
     QStackedWidget *m_pages = nullptr;
