@@ -320,7 +320,8 @@ private Q_SLOTS:
         QTest::newRow("file") << 2000 << "File" << true;
         QTest::newRow("new") << 2001 << "New Library" << true;
         QTest::newRow("revert") << 2008 << "Revert" << false; // nothing changed yet
-        QTest::newRow("export") << 2010 << "Export…" << false;
+        QTest::newRow("import") << 2009 << "Import…" << true;
+        QTest::newRow("export") << 2010 << "Export…" << true;
         QTest::newRow("list view") << 6003 << "List View" << true;
         QTest::newRow("add list") << 5001 << "Add List" << true;
         QTest::newRow("game") << 4010 << "Play Game…" << false;

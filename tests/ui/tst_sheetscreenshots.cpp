@@ -5,6 +5,9 @@
 #include "lists/ZTSmartList.h"
 #include "lists/ZTSmartListController.h"
 #include "ui/sheets/ZTClearAttributesSheet.h"
+#include "ui/sheets/ZTExportSheet.h"
+#include "ui/sheets/ZTImportConfigurationSheet.h"
+#include "ui/sheets/ZTImportSheet.h"
 #include "ui/sheets/ZTItemSheet.h"
 #include "ui/sheets/ZTMultipleEditSheet.h"
 #include "ui/sheets/ZTSmartListSheet.h"
@@ -12,6 +15,7 @@
 #include "ZTSheetFixture.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTabWidget>
 #include <QtTest>
 
@@ -161,6 +165,26 @@ void TestSheetScreenshots::everySheetOfEveryKind()
     shoot(smart, prefix + QStringLiteral("-smartlist"));
     smart.prepareToAdd();
     shoot(smart, prefix + QStringLiteral("-smartlist-new"));
+
+    ZTImportConfigurationSheet importChoice(mediaKind);
+    shoot(importChoice, prefix + QStringLiteral("-import-choice"));
+    // A file whose columns meet every kind of value cell: a plain one, one
+    // with several values, a date, and one the guess leaves unticked.
+    const QString importPath = f.dir().filePath(QStringLiteral("import.txt"));
+    QFile importFile(importPath);
+    QVERIFY(importFile.open(QIODevice::WriteOnly));
+    importFile.write("Title\tGenre\tKeywords\tDate Added\tPrice\tShelf mark\n"
+                     "Dune\tScience Fiction\tdesert; spice\t01/08/1965\t12.99\tA-12\n");
+    importFile.close();
+    ZTImportSheet importSheet(f.document());
+    QVERIFY(importSheet.loadPath(importPath));
+    shoot(importSheet, prefix + QStringLiteral("-import"));
+
+    ZTList *favourites = f.document().addList();
+    favourites->setName(text("Favourites"));
+    favourites->addItem(a->oid());
+    ZTExportSheet exportSheet(f.document());
+    shoot(exportSheet, prefix + QStringLiteral("-export"));
 }
 
 QTEST_MAIN(TestSheetScreenshots)

@@ -99,6 +99,12 @@ public:
     void openItemSheet(bool edit);
     void openClearSheet();
     void openSmartListSheet();
+    // File › Import…: the choice of source, then that source's importer.
+    void openImportConfigurationSheet();
+    void openImportSheet();
+    // File › Export…; the text-file columns chosen there are remembered
+    // with this library's display.
+    void openExportSheet();
     void removeSelectedList();
     void findDuplicates();
     void findUnlisted();

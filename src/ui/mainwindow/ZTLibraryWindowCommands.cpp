@@ -1,5 +1,6 @@
 // The window's menus and the commands they run: items, lists and the sheets.
 #include "app/ZTSettings.h"
+#include "import/ZTImportConfiguration.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemOperations.h"
@@ -18,6 +19,9 @@
 #include "ui/mainwindow/ZTOptionsPanel.h"
 #include "ui/mainwindow/ZTTableViews.h"
 #include "ui/sheets/ZTClearAttributesSheet.h"
+#include "ui/sheets/ZTExportSheet.h"
+#include "ui/sheets/ZTImportConfigurationSheet.h"
+#include "ui/sheets/ZTImportSheet.h"
 #include "ui/sheets/ZTItemSheet.h"
 #include "ui/sheets/ZTMultipleEditSheet.h"
 #include "ui/sheets/ZTSmartListSheet.h"
@@ -96,6 +100,8 @@ void ZTLibraryWindow::connectActions()
     on(4001, [this] { openItemSheet(true); });
     on(4007, [this] { openClearSheet(); });
     on(5002, [this] { openSmartListSheet(); });
+    on(2009, [this] { openImportConfigurationSheet(); });
+    on(2010, [this] { openExportSheet(); });
     on(6003, [this] { showFilterTab(false); });
     on(6004, [this] { showFilterTab(true); });
     on(6009, [this] { setDetailVisible(!isDetailVisible()); });
@@ -173,6 +179,51 @@ void ZTLibraryWindow::openSmartListSheet()
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &ZTSmartListSheet::smartListSaved, this, [this] { afterItemsChanged(true); });
     sheet->openToAdd();
+}
+
+void ZTLibraryWindow::openImportConfigurationSheet()
+{
+    auto *sheet = new ZTImportConfigurationSheet(m_document->mediaKind(), this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &ZTImportConfigurationSheet::sourceSelected, this, [this](const QString &selector) {
+        // Only the delimited importer exists; the sheet offers no other.
+        if (selector == ZTImportSelector::file)
+            openImportSheet();
+    });
+    sheet->open();
+}
+
+void ZTLibraryWindow::openImportSheet()
+{
+    auto *sheet = new ZTImportSheet(*m_document, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &ZTImportSheet::itemsImported, this, [this] {
+        // The importer adds through the document alone, so the view's caches,
+        // its filter and its statistics learn of the new items here.
+        m_pipeline->updateMainCaches();
+        m_pipeline->mutableSubItemOids().clear();
+        m_pipeline->updateItemStatistics();
+        afterItemsChanged(true);
+    });
+    sheet->open();
+}
+
+namespace {
+const QString s_fileExportKeys = QStringLiteral("fileExportKeys");
+}
+
+void ZTLibraryWindow::openExportSheet()
+{
+    auto *sheet = new ZTExportSheet(*m_document, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->setRememberedKeys(m_display.dictionary.value(s_fileExportKeys).toStringList());
+    // The display dictionary carries keys it does not know as they are, so
+    // the columns travel with the rest of this library's window state.
+    connect(sheet, &ZTExportSheet::exportKeysChanged, this, [this](const QStringList &keys) {
+        m_display.dictionary.insert(s_fileExportKeys, keys);
+        saveDisplay();
+    });
+    sheet->open();
 }
 
 void ZTLibraryWindow::afterItemsChanged(bool listsChanged)

@@ -17,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
 #include <QPainterPath>
@@ -410,4 +411,15 @@ QStringList ZTSheetWidgets::splitList(const QString &text)
 QString ZTSheetWidgets::joinList(const QStringList &list)
 {
     return list.join(QStringLiteral(", "));
+}
+
+void ZTSheetWidgets::warn(const Warning &hook, QWidget *parent, const QString &title, const QString &message)
+{
+    if (hook) {
+        hook(title, message);
+        return;
+    }
+    QMessageBox box(QMessageBox::Warning, title, message, QMessageBox::Ok, parent);
+    box.setWindowModality(Qt::WindowModal);
+    box.exec();
 }

@@ -7,6 +7,8 @@
 #include <QToolButton>
 #include <QWidget>
 
+#include <functional>
+
 class QCompleter;
 class QLabel;
 class QMimeData;
@@ -131,6 +133,10 @@ namespace ZTSheetWidgets {
 enum class Completion { Whole, LastOfList };
 QCompleter *completerForValues(const QStringList &values, QObject *parent,
                                Completion completion = Completion::Whole);
+// A sheet's warning alert; tests put a hook in its place to read what it says.
+using Warning = std::function<void(const QString &title, const QString &message)>;
+// Calls the hook when there is one, else shows a window-modal warning on parent.
+void warn(const Warning &hook, QWidget *parent, const QString &title, const QString &message);
 // "a, b, c" and back, trimmed, blanks dropped.
 QStringList splitList(const QString &text);
 QString joinList(const QStringList &list);
