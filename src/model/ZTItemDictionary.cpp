@@ -161,7 +161,6 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
         else if (key == ZTItemKey::dateDue)
             updateOverdueStatus();
     };
-    reserveValues(size_t(dictionary.size()));
     for (auto it = dictionary.constBegin(); it != dictionary.constEnd(); ++it) {
         const QString &key = it.key();
         if (key == ZTItemKey::image || key == ZTItemKey::imageUrl || key == ZTItemKey::allKeys ||
@@ -206,7 +205,6 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
     if (changed)
         setPrimitiveValueForKey(QDateTime::currentDateTimeUtc(), ZTItemKey::dateModified);
     updateAttributes();
-    squeezeValues();
     return changed;
 }
 

@@ -50,11 +50,6 @@ public:
         return &m_values[size_t(valueIndex(slot))];
     }
     void setPrimitiveValue(int slot, const QVariant &value);
-    // Many values set in a row (a new item filled from a map) grow the value
-    // array once instead of step by step; squeezeValues() gives back the room
-    // left over, since every object in memory keeps its array for good.
-    void reserveValues(size_t extra) { m_values.reserve(m_values.size() + extra); }
-    void squeezeValues() { m_values.shrink_to_fit(); }
     QVariant primitiveValueForKey(const QString &key) const;
     QVariant primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const;
     void setPrimitiveValueForKey(const QVariant &value, const QString &key);
