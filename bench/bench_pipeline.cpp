@@ -158,13 +158,17 @@ int main(int argc, char **argv)
     }
     std::printf("peak RSS with the library loaded: %.1f MB\n", double(peakResidentKilobytes()) / 1024.0);
     ZTViewPipeline pipeline(*document);
-    // ZT_BENCH_ONLY=caches|sort repeats one step, for a profiler.
+    // ZT_BENCH_ONLY=caches|stats|search|sort repeats one step, for a profiler.
     const QByteArray only = qgetenv("ZT_BENCH_ONLY");
     if (!only.isEmpty()) {
         QStringList copy = document->mainList()->itemOids();
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 20; ++i) {
             if (only == "caches")
                 pipeline.updateMainCaches();
+            else if (only == "stats")
+                pipeline.updateItemStatistics();
+            else if (only == "search")
+                pipeline.controlTextDidChange(i % 2 ? QStringLiteral("ze") : QString());
             else
                 ZTItemSorting::sortOids(*document, copy,
                                         {{QStringLiteral("genre"), true, 0},

@@ -27,6 +27,7 @@ void ZTEntity::finalize()
         toMany[i].slot = i;
         m_toManySlots.insert(toMany[i].name, i);
     }
+    oidSlot = attributeSlot(QStringLiteral("oid"));
 }
 
 const ZTObjectModel &ZTObjectModel::shared()

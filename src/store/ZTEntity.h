@@ -54,6 +54,9 @@ public:
     bool isKindOf(const QString &entityName) const;
 
     void finalize(); // assigns slots and columns
+    // The oid attribute's slot, or -1: read for every row by lists, caches and
+    // saving, so it is looked up once here rather than by name each time.
+    int oidSlot = -1;
     const ZTEntity *parent = nullptr;
 
 private:

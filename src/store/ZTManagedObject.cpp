@@ -166,8 +166,8 @@ const QList<ZTManagedObject *> &ZTManagedObject::toManyForKey(const QString &key
 
 QString ZTManagedObject::oid() const
 {
-    static const QString oidKey = QStringLiteral("oid");
-    return primitiveValueForKey(oidKey).toString();
+    const QVariant *value = m_entity ? primitiveValuePointer(m_entity->oidSlot) : nullptr;
+    return value ? value->toString() : QString();
 }
 
 QString ZTManagedObject::objectIDURI() const
