@@ -55,7 +55,10 @@ bool ZTDocument::kindForPath(const QString &path, ZTMediaKind *kind)
     return ZTMediaKinds::fromPackageExtension(QFileInfo(p).suffix(), kind);
 }
 
-const ZTAttributeTables &ZTDocument::attributeTables() const { return ZTAttributeTables::forKind(m_kind); }
+const ZTAttributeTables &ZTDocument::attributeTables() const
+{
+    return ZTAttributeTables::forKind(m_kind);
+}
 
 QString ZTDocument::displayName() const
 {
@@ -180,14 +183,16 @@ void ZTDocument::loadInitialObjects()
 {
     fixDatabase();
     ZTManagedObjectContext *context = m_context.get();
-    const QList<ZTManagedObject *> mains = context->fetch(QStringLiteral("ZTList"), QStringLiteral("libraryFlag"), true);
+    const QList<ZTManagedObject *> mains =
+        context->fetch(QStringLiteral("ZTList"), QStringLiteral("libraryFlag"), true);
     for (const char *entity : {"ZTLocale", "ZTPriceLocale", "ZTImage", "ZTLendingContext"})
         for (ZTManagedObject *row : context->fetch(QLatin1String(entity)))
             row->awakeFromFetch();
     // Shared rows enter the oid table before any item reads its names through it.
-    for (const char *entity : {"ZTAuthor", "ZTAuthorRole", "ZTSubject", "ZTKeyword", "ZTStory", "ZTMusicalArtist",
-                               "ZTGraphicalArtist", "ZTGraphicalArtistRole", "ZTCharacter", "ZTCharacterRole",
-                               "ZTTrack", "ZTActor", "ZTActorRole", "ZTDirector", "ZTStory"}) {
+    for (const char *entity :
+         {"ZTAuthor", "ZTAuthorRole", "ZTSubject", "ZTKeyword", "ZTStory", "ZTMusicalArtist",
+          "ZTGraphicalArtist", "ZTGraphicalArtistRole", "ZTCharacter", "ZTCharacterRole", "ZTTrack",
+          "ZTActor", "ZTActorRole", "ZTDirector", "ZTStory"}) {
         const QList<ZTManagedObject *> rows = context->fetch(QLatin1String(entity));
         for (ZTManagedObject *row : rows)
             row->awakeFromFetch();
@@ -219,8 +224,8 @@ void ZTDocument::loadInitialObjects()
         m_openProblems << QStringLiteral("the library had no main list; one was made");
     }
     m_itemLists.clear();
-    for (ZTManagedObject *row :
-         context->fetch(QStringLiteral("ZTList"), QStringLiteral("libraryFlag"), false, QStringLiteral("order"))) {
+    for (ZTManagedObject *row : context->fetch(QStringLiteral("ZTList"), QStringLiteral("libraryFlag"), false,
+                                               QStringLiteral("order"))) {
         row->awakeFromFetch();
         m_itemLists << static_cast<ZTList *>(row);
     }
@@ -264,7 +269,8 @@ void ZTDocument::fixDatabase()
     }
     for (int i = 0; i < drop.size(); ++i) {
         for (const char *relation : {"toPriceLocale", "toPricePaidLocale"})
-            for (ZTManagedObject *item : context->fetchRelated(QStringLiteral("ZTItem"), QLatin1String(relation), drop[i]))
+            for (ZTManagedObject *item :
+                 context->fetchRelated(QStringLiteral("ZTItem"), QLatin1String(relation), drop[i]))
                 item->setToOneForKey(QLatin1String(relation), keep[i]);
     }
     for (ZTManagedObject *row : drop)
@@ -284,7 +290,10 @@ void ZTDocument::documentDidOpen()
     ZTNotificationCenter::defaultCenter().post(ZTDocumentNotification::opening, this);
 }
 
-void ZTDocument::close() { ZTNotificationCenter::defaultCenter().post(ZTDocumentNotification::closing, this); }
+void ZTDocument::close()
+{
+    ZTNotificationCenter::defaultCenter().post(ZTDocumentNotification::closing, this);
+}
 
 // ---- items ----
 
@@ -303,7 +312,10 @@ QList<ZTItem *> ZTDocument::itemsForOids(const QStringList &oids) const
     return items;
 }
 
-QList<ZTItem *> ZTDocument::allItems() const { return m_mainList ? itemsForOids(m_mainList->itemOids()) : QList<ZTItem *>(); }
+QList<ZTItem *> ZTDocument::allItems() const
+{
+    return m_mainList ? itemsForOids(m_mainList->itemOids()) : QList<ZTItem *>();
+}
 
 ZTItem *ZTDocument::addItemFromDictionary(const QVariantMap &dictionary)
 {
@@ -375,10 +387,11 @@ void ZTDocument::prune()
         const char *roleKey;
         const char *roleEntity;
     };
-    static const PersonThroughRole throughRoles[] = {{"authorOids", "authorRoleOids", "ZTAuthorRole"},
-                                                     {"actorOids", "actorRoleOids", "ZTActorRole"},
-                                                     {"characterOids", "characterRoleOids", "ZTCharacterRole"},
-                                                     {"artistOids", "artistRoleOids", "ZTGraphicalArtistRole"}};
+    static const PersonThroughRole throughRoles[] = {
+        {"authorOids", "authorRoleOids", "ZTAuthorRole"},
+        {"actorOids", "actorRoleOids", "ZTActorRole"},
+        {"characterOids", "characterRoleOids", "ZTCharacterRole"},
+        {"artistOids", "artistRoleOids", "ZTGraphicalArtistRole"}};
     QHash<QString, QSet<QString>> usedByKey;
     auto usedOids = [&](const QString &key) -> const QSet<QString> & {
         auto found = usedByKey.constFind(key);
@@ -453,9 +466,12 @@ QVariantMap ZTDocument::oidChangeDictionary() const
                 oids << row->oid();
         return oids;
     };
-    map.insert(QStringLiteral("oidsInserted"), oidsOf(m_context ? m_context->insertedObjects() : QList<ZTManagedObject *>()));
-    map.insert(QStringLiteral("oidsUpdated"), oidsOf(m_context ? m_context->updatedObjects() : QList<ZTManagedObject *>()));
-    map.insert(QStringLiteral("oidsDeleted"), oidsOf(m_context ? m_context->deletedObjects() : QList<ZTManagedObject *>()));
+    map.insert(QStringLiteral("oidsInserted"),
+               oidsOf(m_context ? m_context->insertedObjects() : QList<ZTManagedObject *>()));
+    map.insert(QStringLiteral("oidsUpdated"),
+               oidsOf(m_context ? m_context->updatedObjects() : QList<ZTManagedObject *>()));
+    map.insert(QStringLiteral("oidsDeleted"),
+               oidsOf(m_context ? m_context->deletedObjects() : QList<ZTManagedObject *>()));
     return map;
 }
 
@@ -500,33 +516,34 @@ qint64 ZTDocument::nodeID() const
 
 QList<QPair<QString, QString>> ZTBookDocument::prunePairs() const
 {
-    return ZTDocument::prunePairs() + QList<QPair<QString, QString>>{
-                                          {QStringLiteral("ZTAuthor"), QStringLiteral("authorOids")},
+    return ZTDocument::prunePairs() +
+           QList<QPair<QString, QString>>{{QStringLiteral("ZTAuthor"), QStringLiteral("authorOids")},
                                           {QStringLiteral("ZTAuthorRole"), QStringLiteral("authorRoleOids")},
                                           {QStringLiteral("ZTSubject"), QStringLiteral("subjectOids")}};
 }
 
 QList<QPair<QString, QString>> ZTAlbumDocument::prunePairs() const
 {
-    return ZTDocument::prunePairs() + QList<QPair<QString, QString>>{
-                                          {QStringLiteral("ZTMusicalArtist"), QStringLiteral("artistOids")},
+    return ZTDocument::prunePairs() +
+           QList<QPair<QString, QString>>{{QStringLiteral("ZTMusicalArtist"), QStringLiteral("artistOids")},
                                           {QStringLiteral("ZTTrack"), QStringLiteral("trackOids")}};
 }
 
 QList<QPair<QString, QString>> ZTMovieDocument::prunePairs() const
 {
-    return ZTDocument::prunePairs() + QList<QPair<QString, QString>>{
-                                          {QStringLiteral("ZTDirector"), QStringLiteral("directorOids")},
+    return ZTDocument::prunePairs() +
+           QList<QPair<QString, QString>>{{QStringLiteral("ZTDirector"), QStringLiteral("directorOids")},
                                           {QStringLiteral("ZTActor"), QStringLiteral("actorOids")},
                                           {QStringLiteral("ZTActorRole"), QStringLiteral("actorRoleOids")}};
 }
 
 QList<QPair<QString, QString>> ZTComicDocument::prunePairs() const
 {
-    return ZTDocument::prunePairs() + QList<QPair<QString, QString>>{
-                                          {QStringLiteral("ZTStory"), QStringLiteral("storyOids")},
-                                          {QStringLiteral("ZTGraphicalArtist"), QStringLiteral("artistOids")},
-                                          {QStringLiteral("ZTGraphicalArtistRole"), QStringLiteral("artistRoleOids")},
-                                          {QStringLiteral("ZTCharacter"), QStringLiteral("characterOids")},
-                                          {QStringLiteral("ZTCharacterRole"), QStringLiteral("characterRoleOids")}};
+    return ZTDocument::prunePairs() +
+           QList<QPair<QString, QString>>{
+               {QStringLiteral("ZTStory"), QStringLiteral("storyOids")},
+               {QStringLiteral("ZTGraphicalArtist"), QStringLiteral("artistOids")},
+               {QStringLiteral("ZTGraphicalArtistRole"), QStringLiteral("artistRoleOids")},
+               {QStringLiteral("ZTCharacter"), QStringLiteral("characterOids")},
+               {QStringLiteral("ZTCharacterRole"), QStringLiteral("characterRoleOids")}};
 }

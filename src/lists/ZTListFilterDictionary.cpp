@@ -163,8 +163,10 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             for (int k = 0; k < stringReaders.size(); ++k) {
                 Column &column = tally.strings[size_t(k)];
                 const QVariant *stored = nullptr;
-                if (stringReaders[k].peek(*item, &stored) && (!stored || stored->typeId() == QMetaType::QString)) {
-                    const QString *value = stored ? static_cast<const QString *>(stored->constData()) : nullptr;
+                if (stringReaders[k].peek(*item, &stored) &&
+                    (!stored || stored->typeId() == QMetaType::QString)) {
+                    const QString *value =
+                        stored ? static_cast<const QString *>(stored->constData()) : nullptr;
                     if (!value || isBlank(*value))
                         column.countBlank(row);
                     else
@@ -330,7 +332,8 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             for (const QString &language : tally.strings[size_t(k)].values)
                 languages.insert(language);
     }
-    result.insert(ZTFilterDictionaryKey::personName, ZTListCompare::sortedCaseInsensitive(tally.people.values()));
+    result.insert(ZTFilterDictionaryKey::personName,
+                  ZTListCompare::sortedCaseInsensitive(tally.people.values()));
     result.insert(ZTFilterDictionaryKey::allLanguages,
                   ZTListCompare::sortedCaseInsensitive(languages.values()));
     return result;

@@ -23,7 +23,10 @@ const QString s_name = QStringLiteral("name");
 const QString s_role = QStringLiteral("role");
 const QString s_code = QStringLiteral("code");
 
-QStringList toStringList(const QVariant &value) { return ZTItem::variantToStrings(value); }
+QStringList toStringList(const QVariant &value)
+{
+    return ZTItem::variantToStrings(value);
+}
 } // namespace
 
 QStringList ZTItem::variantToStrings(const QVariant &value)
@@ -45,8 +48,7 @@ QStringList ZTItem::variantToStrings(const QVariant &value)
 
 namespace {
 
-template <auto Field>
-QVariant transientGet(const ZTItem &item)
+template <auto Field> QVariant transientGet(const ZTItem &item)
 {
     const ZTItem::Transient *t = item.transientIfAny();
     if (!t || (t->*Field).isNull())
@@ -54,8 +56,7 @@ QVariant transientGet(const ZTItem &item)
     return QVariant(t->*Field);
 }
 
-template <auto Field>
-void transientSet(ZTItem &item, const QVariant &value)
+template <auto Field> void transientSet(ZTItem &item, const QVariant &value)
 {
     using Value = std::remove_reference_t<decltype(item.transient().*Field)>;
     item.transient().*Field = value.value<Value>();
@@ -114,7 +115,8 @@ void ZTItem::awakeFromFetch()
     if (!toOneForKey(s_toPriceLocale))
         setToOneForKey(s_toPriceLocale, ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(context));
     if (!toOneForKey(s_toPricePaidLocale))
-        setToOneForKey(s_toPricePaidLocale, ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(context));
+        setToOneForKey(s_toPricePaidLocale,
+                       ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(context));
     updateAttributes();
 }
 
@@ -185,7 +187,10 @@ void ZTItem::updateOverdueStatus()
     m_overdueFlag = due.isValid() && ZTItemDerived::isOverdue(due.toLocalTime().date());
 }
 
-void ZTItem::updateCoverImageStatus() { m_hasCoverImageFlag = toOneForKey(s_toCoverImage) != nullptr; }
+void ZTItem::updateCoverImageStatus()
+{
+    m_hasCoverImageFlag = toOneForKey(s_toCoverImage) != nullptr;
+}
 
 QString ZTItem::title() const
 {
@@ -268,21 +273,24 @@ QString ZTItem::pricePaidLocale() const
 void ZTItem::setLocale(const QString &code)
 {
     const QString c = code.trimmed();
-    setToOneForKey(s_toLocale, c.isEmpty() ? nullptr : ZTLocale::localeForLocaleCode(c, managedObjectContext()));
+    setToOneForKey(s_toLocale,
+                   c.isEmpty() ? nullptr : ZTLocale::localeForLocaleCode(c, managedObjectContext()));
 }
 
 void ZTItem::setPriceLocale(const QString &code)
 {
     const QString c = code.trimmed();
     setToOneForKey(s_toPriceLocale,
-                   c.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
+                   c.isEmpty() ? nullptr
+                               : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
 }
 
 void ZTItem::setPricePaidLocale(const QString &code)
 {
     const QString c = code.trimmed();
     setToOneForKey(s_toPricePaidLocale,
-                   c.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
+                   c.isEmpty() ? nullptr
+                               : ZTPriceLocale::priceLocaleForPriceLocaleCode(c, managedObjectContext()));
 }
 
 QString ZTItem::priceString() const
@@ -305,11 +313,20 @@ QString ZTItem::pricePaidString() const
 
 // ---- keywords and shared names ----
 
-QStringList ZTItem::keywords() const { return namesForOids(m_keywordOids, s_keywordEntity); }
+QStringList ZTItem::keywords() const
+{
+    return namesForOids(m_keywordOids, s_keywordEntity);
+}
 
-void ZTItem::setKeywords(const QStringList &names) { setKeywordOids(oidArrayForIncomingArray(names, s_keywordEntity)); }
+void ZTItem::setKeywords(const QStringList &names)
+{
+    setKeywordOids(oidArrayForIncomingArray(names, s_keywordEntity));
+}
 
-void ZTItem::setKeywordOids(const QStringList &oids) { storeOidArray(m_keywordOids, oids, s_toKeywordData); }
+void ZTItem::setKeywordOids(const QStringList &oids)
+{
+    storeOidArray(m_keywordOids, oids, s_toKeywordData);
+}
 
 QStringList ZTItem::oidArrayForIncomingArray(const QStringList &names, const QString &entityName)
 {
@@ -472,10 +489,22 @@ ZTLendingContext *ZTItem::lendingContext() const
     return static_cast<ZTLendingContext *>(toOneForKey(s_toLendingContext, memo));
 }
 
-QString ZTItem::lentToName() const { return lendingContext() ? lendingContext()->name() : QString(); }
-QString ZTItem::lentToEmail() const { return lendingContext() ? lendingContext()->email() : QString(); }
-QDateTime ZTItem::dateLent() const { return lendingContext() ? lendingContext()->dateLent() : QDateTime(); }
-QDateTime ZTItem::dateDue() const { return lendingContext() ? lendingContext()->dateDue() : QDateTime(); }
+QString ZTItem::lentToName() const
+{
+    return lendingContext() ? lendingContext()->name() : QString();
+}
+QString ZTItem::lentToEmail() const
+{
+    return lendingContext() ? lendingContext()->email() : QString();
+}
+QDateTime ZTItem::dateLent() const
+{
+    return lendingContext() ? lendingContext()->dateLent() : QDateTime();
+}
+QDateTime ZTItem::dateDue() const
+{
+    return lendingContext() ? lendingContext()->dateDue() : QDateTime();
+}
 
 static ZTLendingContext *ensureLending(ZTItem *item)
 {
@@ -484,7 +513,8 @@ static ZTLendingContext *ensureLending(ZTItem *item)
     ZTManagedObjectContext *context = item->managedObjectContext();
     if (!context)
         return nullptr;
-    auto *lending = static_cast<ZTLendingContext *>(context->insertNewObject(QStringLiteral("ZTLendingContext")));
+    auto *lending =
+        static_cast<ZTLendingContext *>(context->insertNewObject(QStringLiteral("ZTLendingContext")));
     item->setToOneForKey(QStringLiteral("toLendingContext"), lending);
     return lending;
 }
@@ -525,14 +555,16 @@ void ZTItem::setDateLent(const QDateTime &date)
     if (!date.isValid() && !lendingContext())
         return;
     if (ZTLendingContext *lending = ensureLending(this))
-        lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(), QStringLiteral("dateLent"));
+        lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(),
+                                         QStringLiteral("dateLent"));
 }
 
 void ZTItem::setDateDue(const QDateTime &date)
 {
     if (date.isValid() || lendingContext()) {
         if (ZTLendingContext *lending = ensureLending(this))
-            lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(), QStringLiteral("dateDue"));
+            lending->setPrimitiveValueForKey(date.isValid() ? QVariant(date) : QVariant(),
+                                             QStringLiteral("dateDue"));
     }
     updateOverdueStatus();
 }
@@ -554,10 +586,14 @@ bool ZTItem::containsString(const QString &text) const
 {
     if (text.isNull())
         return false;
-    static const QStringList keys{QStringLiteral("title"),         QStringLiteral("genre"),
-                                  QStringLiteral("source"),        QStringLiteral("format"),
-                                  QStringLiteral("notes"),         QStringLiteral("condition"),
-                                  QStringLiteral("productDescription"), QStringLiteral("location"),
+    static const QStringList keys{QStringLiteral("title"),
+                                  QStringLiteral("genre"),
+                                  QStringLiteral("source"),
+                                  QStringLiteral("format"),
+                                  QStringLiteral("notes"),
+                                  QStringLiteral("condition"),
+                                  QStringLiteral("productDescription"),
+                                  QStringLiteral("location"),
                                   QStringLiteral("series")};
     for (const QString &key : keys)
         if (primitiveValueForKey(key).toString().contains(text, Qt::CaseInsensitive))
@@ -569,12 +605,21 @@ bool ZTItem::containsString(const QString &text) const
 
 QStringList ZTItem::indexKeysSingle() const
 {
-    return {QStringLiteral("title"),  QStringLiteral("genre"), QStringLiteral("source"),
-            QStringLiteral("format"), QStringLiteral("notes"), QStringLiteral("condition"),
-            QStringLiteral("productDescription"), QStringLiteral("location"), QStringLiteral("series")};
+    return {QStringLiteral("title"),
+            QStringLiteral("genre"),
+            QStringLiteral("source"),
+            QStringLiteral("format"),
+            QStringLiteral("notes"),
+            QStringLiteral("condition"),
+            QStringLiteral("productDescription"),
+            QStringLiteral("location"),
+            QStringLiteral("series")};
 }
 
-QStringList ZTItem::indexKeysMultiple() const { return {ZTItemKey::keywords}; }
+QStringList ZTItem::indexKeysMultiple() const
+{
+    return {ZTItemKey::keywords};
+}
 
 QString ZTItem::indexedString() const
 {
@@ -679,37 +724,46 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                                           return c.isNull() ? QVariant() : QVariant(c);
                                       },
                                       [](ZTItem &i, const QVariant &v) { i.setPriceLocale(v.toString()); }});
-    t.insert(ZTItemKey::pricePaidLocale, {[](const ZTItem &i) -> QVariant {
-                                              const QString c = i.pricePaidLocale();
-                                              return c.isNull() ? QVariant() : QVariant(c);
-                                          },
-                                          [](ZTItem &i, const QVariant &v) { i.setPricePaidLocale(v.toString()); }});
+    t.insert(ZTItemKey::pricePaidLocale,
+             {[](const ZTItem &i) -> QVariant {
+                  const QString c = i.pricePaidLocale();
+                  return c.isNull() ? QVariant() : QVariant(c);
+              },
+              [](ZTItem &i, const QVariant &v) { i.setPricePaidLocale(v.toString()); }});
     t.insert(ZTItemKey::keywords, {[](const ZTItem &i) -> QVariant { return i.keywords(); },
                                    [](ZTItem &i, const QVariant &v) { i.setKeywords(toStringList(v)); }});
-    t.insert(QStringLiteral("keywordOids"), {[](const ZTItem &i) -> QVariant { return i.keywordOids(); }, nullptr});
+    t.insert(QStringLiteral("keywordOids"),
+             {[](const ZTItem &i) -> QVariant { return i.keywordOids(); }, nullptr});
     t.insert(QStringLiteral("titleWithoutLeadingArticle"),
              {[](const ZTItem &i) -> QVariant { return i.titleWithoutLeadingArticle(); }, nullptr});
-    t.insert(QStringLiteral("hasCoverImageFlag"), {[](const ZTItem &i) -> QVariant { return i.hasCoverImage(); }, nullptr});
-    t.insert(QStringLiteral("overdueFlag"), {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
+    t.insert(QStringLiteral("hasCoverImageFlag"),
+             {[](const ZTItem &i) -> QVariant { return i.hasCoverImage(); }, nullptr});
+    t.insert(QStringLiteral("overdueFlag"),
+             {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
     t.insert(QStringLiteral("year"), {[](const ZTItem &i) { return i.year(); }, nullptr});
     t.insert(QStringLiteral("originalYear"), {[](const ZTItem &i) { return i.originalYear(); }, nullptr});
-    t.insert(QStringLiteral("priceString"), {[](const ZTItem &i) -> QVariant { return i.priceString(); }, nullptr});
-    t.insert(QStringLiteral("pricePaidString"), {[](const ZTItem &i) -> QVariant { return i.pricePaidString(); }, nullptr});
-    t.insert(QStringLiteral("lentToName"), {[](const ZTItem &i) -> QVariant {
-                                                const QString s = i.lentToName();
-                                                return s.isNull() ? QVariant() : QVariant(s);
-                                            },
-                                            [](ZTItem &i, const QVariant &v) { i.setLentToName(v.toString()); }});
-    t.insert(QStringLiteral("lentToEmail"), {[](const ZTItem &i) -> QVariant {
-                                                 const QString s = i.lentToEmail();
-                                                 return s.isNull() ? QVariant() : QVariant(s);
-                                             },
-                                             [](ZTItem &i, const QVariant &v) { i.setLentToEmail(v.toString()); }});
-    t.insert(QStringLiteral("dateLent"), {[](const ZTItem &i) -> QVariant {
-                                              const QDateTime d = i.dateLent();
-                                              return d.isValid() ? QVariant(d) : QVariant();
-                                          },
-                                          [](ZTItem &i, const QVariant &v) { i.setDateLent(toDateTime(v)); }});
+    t.insert(QStringLiteral("priceString"),
+             {[](const ZTItem &i) -> QVariant { return i.priceString(); }, nullptr});
+    t.insert(QStringLiteral("pricePaidString"),
+             {[](const ZTItem &i) -> QVariant { return i.pricePaidString(); }, nullptr});
+    t.insert(QStringLiteral("lentToName"),
+             {[](const ZTItem &i) -> QVariant {
+                  const QString s = i.lentToName();
+                  return s.isNull() ? QVariant() : QVariant(s);
+              },
+              [](ZTItem &i, const QVariant &v) { i.setLentToName(v.toString()); }});
+    t.insert(QStringLiteral("lentToEmail"),
+             {[](const ZTItem &i) -> QVariant {
+                  const QString s = i.lentToEmail();
+                  return s.isNull() ? QVariant() : QVariant(s);
+              },
+              [](ZTItem &i, const QVariant &v) { i.setLentToEmail(v.toString()); }});
+    t.insert(QStringLiteral("dateLent"),
+             {[](const ZTItem &i) -> QVariant {
+                  const QDateTime d = i.dateLent();
+                  return d.isValid() ? QVariant(d) : QVariant();
+              },
+              [](ZTItem &i, const QVariant &v) { i.setDateLent(toDateTime(v)); }});
     t.insert(ZTItemKey::dateDue, {[](const ZTItem &i) -> QVariant {
                                       const QDateTime d = i.dateDue();
                                       return d.isValid() ? QVariant(d) : QVariant();
@@ -723,9 +777,11 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                                                          },
                                                          nullptr});
     // The questions the browser, the caches and the cells ask by name.
-    t.insert(QStringLiteral("isLentOut"), {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
+    t.insert(QStringLiteral("isLentOut"),
+             {[](const ZTItem &i) -> QVariant { return i.isLentOut(); }, nullptr});
     t.insert(QStringLiteral("isLocked"), {[](const ZTItem &i) -> QVariant { return i.isLocked(); }, nullptr});
-    t.insert(QStringLiteral("isOverdue"), {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
+    t.insert(QStringLiteral("isOverdue"),
+             {[](const ZTItem &i) -> QVariant { return i.isOverdue(); }, nullptr});
     t.insert(QStringLiteral("isOwned"), {[](const ZTItem &i) -> QVariant { return i.isOwned(); }, nullptr});
     t.insert(QStringLiteral("isUsed"), {[](const ZTItem &i) -> QVariant { return i.isUsed(); }, nullptr});
     t.insert(QStringLiteral("isSigned"), {[](const ZTItem &i) -> QVariant { return i.isSigned(); }, nullptr});
@@ -735,10 +791,14 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                                               },
                                               nullptr});
     // Picture data handed in through a dictionary, kept until the caller takes it.
-    t.insert(QStringLiteral("imageSmall"), {&transientGet<&Transient::imageSmall>, &transientSet<&Transient::imageSmall>});
-    t.insert(QStringLiteral("imageMedium"), {&transientGet<&Transient::imageMedium>, &transientSet<&Transient::imageMedium>});
-    t.insert(QStringLiteral("imageLarge"), {&transientGet<&Transient::imageLarge>, &transientSet<&Transient::imageLarge>});
-    t.insert(QStringLiteral("imageUser"), {&transientGet<&Transient::imageUser>, &transientSet<&Transient::imageUser>});
+    t.insert(QStringLiteral("imageSmall"),
+             {&transientGet<&Transient::imageSmall>, &transientSet<&Transient::imageSmall>});
+    t.insert(QStringLiteral("imageMedium"),
+             {&transientGet<&Transient::imageMedium>, &transientSet<&Transient::imageMedium>});
+    t.insert(QStringLiteral("imageLarge"),
+             {&transientGet<&Transient::imageLarge>, &transientSet<&Transient::imageLarge>});
+    t.insert(QStringLiteral("imageUser"),
+             {&transientGet<&Transient::imageUser>, &transientSet<&Transient::imageUser>});
     t.insert(QStringLiteral("imageSmallUrl"),
              {&transientGet<&Transient::imageSmallUrl>, &transientSet<&Transient::imageSmallUrl>});
     t.insert(QStringLiteral("imageMediumUrl"),

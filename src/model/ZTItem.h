@@ -126,8 +126,8 @@ public:
     QVariantMap handleImage(const QImage &image, const QByteArray &imageData, const QString &url,
                             const QString &type, bool isUser);
     // Runs handleImage and the store's file work in the order callers must keep.
-    void replaceCover(const QImage &image, const QByteArray &imageData, const QString &url, const QString &type,
-                      bool isUser);
+    void replaceCover(const QImage &image, const QByteArray &imageData, const QString &url,
+                      const QString &type, bool isUser);
     QByteArray largestImageAvailable() const;
     QByteArray largestImageAvailableUncached() const;
     QImage image() const;
@@ -152,9 +152,11 @@ public:
     QStringList namesForOids(const QStringList &oids, const QString &entityName) const;
     // Role rows: maps with "name" and "role". `blankRole` says how a missing role is looked up.
     enum class MissingRole { Empty, LiteralNil, Unset };
-    QStringList oidArrayForRoleDicts(const QVariantList &dicts, const QString &roleEntity, const QString &personEntity,
-                                     const QString &personKey, const QString &inverseKey, MissingRole missing);
-    QVariantList roleDictsForOids(const QStringList &oids, const QString &roleEntity, const QString &personKey) const;
+    QStringList oidArrayForRoleDicts(const QVariantList &dicts, const QString &roleEntity,
+                                     const QString &personEntity, const QString &personKey,
+                                     const QString &inverseKey, MissingRole missing);
+    QVariantList roleDictsForOids(const QStringList &oids, const QString &roleEntity,
+                                  const QString &personKey) const;
     QStringList personOidsForRoleOids(const QStringList &oids, const QString &roleEntity,
                                       const QString &personKey) const;
     static QStringList stringsForArray(const QVariantList &dicts, const QString &key);
@@ -179,24 +181,20 @@ protected:
     static AccessorTable commonAccessors();
 
     // Table entries built from member functions of a kind.
-    template <typename Kind, auto Method>
-    static QVariant read(const ZTItem &item)
+    template <typename Kind, auto Method> static QVariant read(const ZTItem &item)
     {
         return QVariant::fromValue((static_cast<const Kind &>(item).*Method)());
     }
-    template <typename Kind, auto Method>
-    static QVariant readFirst(const ZTItem &item)
+    template <typename Kind, auto Method> static QVariant readFirst(const ZTItem &item)
     {
         const QStringList values = (static_cast<const Kind &>(item).*Method)();
         return values.isEmpty() ? QVariant() : QVariant(values.first());
     }
-    template <typename Kind, auto Method>
-    static void writeStrings(ZTItem &item, const QVariant &value)
+    template <typename Kind, auto Method> static void writeStrings(ZTItem &item, const QVariant &value)
     {
         (static_cast<Kind &>(item).*Method)(variantToStrings(value));
     }
-    template <typename Kind, auto Method>
-    static void writeList(ZTItem &item, const QVariant &value)
+    template <typename Kind, auto Method> static void writeList(ZTItem &item, const QVariant &value)
     {
         (static_cast<Kind &>(item).*Method)(value.toList());
     }

@@ -83,7 +83,6 @@ public:
     // Runs after the row was written.
     virtual void didSave() {}
 
-
     // The value as the attribute stores it (a number for an integer, UTC for a date …).
     static QVariant normalized(const ZTAttribute &attribute, const QVariant &value);
 
@@ -113,8 +112,8 @@ private:
     State m_state = State::New;
     bool m_deleted = false;
     bool m_inUpdatedList = false;
-    std::vector<QVariant> m_values;                         // dense over present slots, in slot order
-    std::unique_ptr<ZTManagedObject *[]> m_toOne;           // by to-one slot
-    std::unique_ptr<QList<ZTManagedObject *>[]> m_toMany;   // by to-many slot, kept in memory only
-    std::unique_ptr<qint64[]> m_pendingKeys;                // foreign keys read at load, until resolved
+    std::vector<QVariant> m_values;                       // dense over present slots, in slot order
+    std::unique_ptr<ZTManagedObject *[]> m_toOne;         // by to-one slot
+    std::unique_ptr<QList<ZTManagedObject *>[]> m_toMany; // by to-many slot, kept in memory only
+    std::unique_ptr<qint64[]> m_pendingKeys;              // foreign keys read at load, until resolved
 };

@@ -31,9 +31,15 @@ bool ZTManagedObjectContext::open(const QString &documentPath, QString *error)
     return true;
 }
 
-bool ZTManagedObjectContext::isOpen() const { return m_store != nullptr || m_inMemory; }
+bool ZTManagedObjectContext::isOpen() const
+{
+    return m_store != nullptr || m_inMemory;
+}
 
-void ZTManagedObjectContext::openInMemory() { m_inMemory = true; }
+void ZTManagedObjectContext::openInMemory()
+{
+    m_inMemory = true;
+}
 
 QString ZTManagedObjectContext::dataFilePath() const
 {
@@ -157,13 +163,15 @@ QList<ZTManagedObject *> ZTManagedObjectContext::fetch(const QString &entityName
     return result;
 }
 
-QList<ZTManagedObject *> ZTManagedObjectContext::fetchRelated(const QString &entityName, const QString &relationship,
+QList<ZTManagedObject *> ZTManagedObjectContext::fetchRelated(const QString &entityName,
+                                                              const QString &relationship,
                                                               const ZTManagedObject *target) const
 {
     return fetch(entityName, relationship, QVariant::fromValue(const_cast<ZTManagedObject *>(target)));
 }
 
-ZTManagedObject *ZTManagedObjectContext::objectWithPrimaryKey(const QString &entityName, qint64 primaryKey) const
+ZTManagedObject *ZTManagedObjectContext::objectWithPrimaryKey(const QString &entityName,
+                                                              qint64 primaryKey) const
 {
     if (primaryKey <= 0)
         return nullptr;
@@ -186,7 +194,10 @@ ZTManagedObject *ZTManagedObjectContext::objectWithURI(const QString &uri) const
     return objectWithPrimaryKey(parts[parts.size() - 2], key);
 }
 
-QList<ZTManagedObject *> ZTManagedObjectContext::insertedObjects() const { return m_inserted; }
+QList<ZTManagedObject *> ZTManagedObjectContext::insertedObjects() const
+{
+    return m_inserted;
+}
 
 QList<ZTManagedObject *> ZTManagedObjectContext::updatedObjects() const
 {
@@ -197,7 +208,10 @@ QList<ZTManagedObject *> ZTManagedObjectContext::updatedObjects() const
     return result;
 }
 
-QList<ZTManagedObject *> ZTManagedObjectContext::deletedObjects() const { return m_deleted; }
+QList<ZTManagedObject *> ZTManagedObjectContext::deletedObjects() const
+{
+    return m_deleted;
+}
 
 bool ZTManagedObjectContext::hasChanges() const
 {
@@ -305,7 +319,8 @@ void ZTManagedObjectContext::updateOidObjectDictionaryWithObjects(const QList<ZT
     m_oidTable.insert(entityName, table);
 }
 
-void ZTManagedObjectContext::setOidObject(const QString &entityName, const QString &oid, ZTManagedObject *object)
+void ZTManagedObjectContext::setOidObject(const QString &entityName, const QString &oid,
+                                          ZTManagedObject *object)
 {
     if (!oid.isEmpty() && object)
         m_oidTable[entityName].insert(oid, object);
@@ -336,7 +351,8 @@ void ZTManagedObjectContext::insertImageWithFilename(const QString &filename, co
     if (filename.isEmpty() || originalFilename.isEmpty() || !source || filename.contains(QLatin1Char('/')) ||
         originalFilename.contains(QLatin1Char('/')))
         return;
-    const QString from = QDir(isNew ? source->stagingFolderPath() : source->imageFolderPath()).filePath(originalFilename);
+    const QString from =
+        QDir(isNew ? source->stagingFolderPath() : source->imageFolderPath()).filePath(originalFilename);
     QDir().mkpath(stagingFolderPath());
     const QString to = QDir(stagingFolderPath()).filePath(filename);
     QFile::remove(to);
@@ -371,7 +387,8 @@ QHash<QString, ZTManagedObject *> &ZTManagedObjectContext::nameIndex(const QStri
         if (isRole) {
             ZTManagedObject *person = row->toOne(0);
             const QVariant role = row->primitiveValueForKey(QStringLiteral("role"));
-            key = roleIndexKey(person ? person->primitiveValueForKey(QStringLiteral("name")).toString() : QString(),
+            key = roleIndexKey(person ? person->primitiveValueForKey(QStringLiteral("name")).toString()
+                                      : QString(),
                                role.isValid() ? role.toString() : QStringLiteral("\x01unset"));
         } else {
             key = row->primitiveValueForKey(QStringLiteral("name")).toString();

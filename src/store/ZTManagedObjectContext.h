@@ -44,8 +44,9 @@ public:
     // All rows of the entity (and its sub-entities) that are not deleted,
     // optionally where `key` equals `value` (an attribute, or a to-one relationship
     // compared with a ZTManagedObject* held in the variant), optionally sorted.
-    QList<ZTManagedObject *> fetch(const QString &entityName, const QString &key = {}, const QVariant &value = {},
-                                   const QString &sortKey = {}, bool ascending = true) const;
+    QList<ZTManagedObject *> fetch(const QString &entityName, const QString &key = {},
+                                   const QVariant &value = {}, const QString &sortKey = {},
+                                   bool ascending = true) const;
     QList<ZTManagedObject *> fetchRelated(const QString &entityName, const QString &relationship,
                                           const ZTManagedObject *target) const;
     ZTManagedObject *objectWithURI(const QString &uri) const;
@@ -64,7 +65,8 @@ public:
     QHash<QString, QHash<QString, ZTManagedObject *>> &oidObjectDictionary() { return m_oidTable; }
     ZTManagedObject *objectForEntity(const QString &entityName, const QString &oid) const;
     QList<ZTManagedObject *> objectsForEntity(const QString &entityName, const QStringList &oids) const;
-    void updateOidObjectDictionaryWithObjects(const QList<ZTManagedObject *> &objects, const QString &entityName);
+    void updateOidObjectDictionaryWithObjects(const QList<ZTManagedObject *> &objects,
+                                              const QString &entityName);
     void setOidObject(const QString &entityName, const QString &oid, ZTManagedObject *object);
     void removeOidObject(const QString &entityName, const QString &oid);
 

@@ -1,6 +1,6 @@
 #include "library/ZTAttributeTables.h"
-#include "library/ZTItemStatistics.h"
 #include "library/ZTItemSorting.h"
+#include "library/ZTItemStatistics.h"
 #include "library/ZTTextOrder.h"
 #include "library/ZTViewPipeline.h"
 
@@ -119,7 +119,8 @@ void TestViewPipeline::manyEditsKeepTheIndexRight()
     p.controlTextDidChange(QStringLiteral("a"));
     for (int i = 0; i < 300; ++i) {
         const QString mark = QStringLiteral("q%1").arg(i, 4, 10, QLatin1Char('0'));
-        f.document().itemForOid(beta)->setValueForKey(QString(80, QLatin1Char('w')) + mark, QStringLiteral("notes"));
+        f.document().itemForOid(beta)->setValueForKey(QString(80, QLatin1Char('w')) + mark,
+                                                      QStringLiteral("notes"));
         p.itemsDidChange({beta});
         p.controlTextDidChange(QString());
         p.controlTextDidChange(mark);
@@ -401,13 +402,13 @@ void TestViewPipeline::longListsSortAsShortOnes()
         const QVariant genreB = b->valueForKey(QStringLiteral("genre"));
         // Items without a genre come first, then genres in collation order,
         // then titles from the last.
-        const int byGenre = !genreA.isValid() ? (genreB.isValid() ? -1 : 0)
-                            : !genreB.isValid()
-                                ? 1
-                                : ZTTextOrder::compare(genreA.toString(), genreB.toString());
+        const int byGenre = !genreA.isValid()   ? (genreB.isValid() ? -1 : 0)
+                            : !genreB.isValid() ? 1
+                                                : ZTTextOrder::compare(genreA.toString(), genreB.toString());
         QVERIFY2(byGenre <= 0, qPrintable(QStringLiteral("row %1").arg(i)));
         if (byGenre == 0)
-            QVERIFY2(ZTTextOrder::compare(a->title(), b->title()) >= 0, qPrintable(QStringLiteral("row %1").arg(i)));
+            QVERIFY2(ZTTextOrder::compare(a->title(), b->title()) >= 0,
+                     qPrintable(QStringLiteral("row %1").arg(i)));
     }
 }
 
