@@ -158,17 +158,23 @@ int main(int argc, char **argv)
     }
     std::printf("peak RSS with the library loaded: %.1f MB\n", double(peakResidentKilobytes()) / 1024.0);
     ZTViewPipeline pipeline(*document);
-    // ZT_BENCH_ONLY=caches|stats|search|sort repeats one step, for a profiler.
+    // ZT_BENCH_ONLY=caches|stats|search|narrow|sort repeats one step
+    // (ZT_BENCH_ROUNDS times, 20 by default), for a profiler.
     const QByteArray only = qgetenv("ZT_BENCH_ONLY");
     if (!only.isEmpty()) {
         QStringList copy = document->mainList()->itemOids();
-        for (int i = 0; i < 20; ++i) {
+        const int rounds = qEnvironmentVariableIsSet("ZT_BENCH_ROUNDS")
+                               ? qEnvironmentVariableIntValue("ZT_BENCH_ROUNDS")
+                               : 20;
+        for (int i = 0; i < rounds; ++i) {
             if (only == "caches")
                 pipeline.updateMainCaches();
             else if (only == "stats")
                 pipeline.updateItemStatistics();
             else if (only == "search")
                 pipeline.controlTextDidChange(i % 2 ? QStringLiteral("ze") : QString());
+            else if (only == "narrow")
+                pipeline.controlTextDidChange(i % 2 ? QStringLiteral("kal") : QStringLiteral("ka"));
             else
                 ZTItemSorting::sortOids(*document, copy,
                                         {{QStringLiteral("genre"), true, 0},

@@ -178,8 +178,9 @@ QString ZTExportController::exportString()
     const QStringList &oids = this->oids();
     QList<const ZTItem *> items;
     items.reserve(oids.size());
-    for (const QString &oid : oids)
-        items << table.item(oid);
+    const ZTResolvedItems rows = table.items(oids);
+    for (qsizetype row = 0; row < rows.size(); ++row)
+        items << rows[row];
     // Whether an item answers to a date's "BitFlag" key depends on its kind
     // only, so the first item tells for all.
     for (const ZTItem *item : std::as_const(items)) {

@@ -307,8 +307,11 @@ QList<ZTItem *> ZTDocument::itemsForOids(const QStringList &oids) const
     QList<ZTItem *> items;
     if (!m_context)
         return items;
-    for (ZTManagedObject *row : m_context->objectsForEntity(itemEntityName(), oids))
-        items << static_cast<ZTItem *>(row);
+    const auto rows = m_context->resolvedObjects(itemEntityName(), oids);
+    items.reserve(qsizetype(rows->size()));
+    for (ZTManagedObject *row : *rows)
+        if (row)
+            items << static_cast<ZTItem *>(row);
     return items;
 }
 
@@ -424,7 +427,7 @@ void ZTDocument::prune()
         return *usedByKey.insert(key, used);
     };
     for (const auto &[entity, key] : prunePairs()) {
-        auto &table = m_context->oidObjectDictionary()[entity];
+        auto &table = m_context->mutableOidTable(entity);
         if (table.isEmpty())
             continue;
         const QSet<QString> &used = usedOids(key);

@@ -121,13 +121,14 @@ void ZTItemSorting::sortOids(const ZTDocument &document, QStringList &oids, cons
     const qsizetype rows = oids.size();
     const qsizetype keys = entries.size();
     std::vector<SortValue> values(static_cast<size_t>(rows * keys));
+    const ZTResolvedItems items = table.items(oids);
     // Collation keys are the costly part: a text met again (a genre, a
     // publisher) reuses its key, and a long list is keyed in two halves side by
     // side, each with its own collator. Each item is read by one thread only.
     auto fill = [&](qsizetype from, qsizetype to) {
         std::vector<QHash<QString, QCollatorSortKey>> known(static_cast<size_t>(keys));
         for (qsizetype r = from; r < to; ++r) {
-            const ZTItem *item = table.item(oids[r]);
+            const ZTItem *item = items[r];
             if (!item)
                 continue;
             for (qsizetype k = 0; k < keys; ++k) {

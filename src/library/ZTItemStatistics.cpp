@@ -86,13 +86,16 @@ QString ZTItemStatistics::itemStatisticsStringForOids(const ZTDocument &document
     const QString pricePaid = QStringLiteral("pricePaid");
     qint64 itemCount = 0;
     qint64 subItemCount = 0;
-    QHash<QString, double> value, paid;
+    // Totals gather per currency row; rows become codes once, at the end.
+    QHash<const ZTManagedObject *, double> valueByRow, paidByRow;
     const ZTItemTable table(document);
     const ZTItem::KeyReader countReader = table.reader(countKey);
     const ZTItem::KeyReader priceReader = table.reader(price);
     const ZTItem::KeyReader pricePaidReader = table.reader(pricePaid);
-    for (const QString &oid : oids) {
-        const ZTItem *item = table.item(oid);
+    const ZTResolvedItems items = table.items(oids);
+    for (qsizetype row = 0; row < items.size(); ++row) {
+        items.prefetchAhead(row);
+        const ZTItem *item = items[row];
         if (!item)
             continue;
         ++itemCount;
@@ -100,11 +103,19 @@ QString ZTItemStatistics::itemStatisticsStringForOids(const ZTDocument &document
         subItemCount += countsTracks ? ZTItem::variantToStrings(count).size() : count.toLongLong();
         const QVariant p = priceReader.read(*item);
         if (p.isValid() && !p.isNull())
-            value[item->priceLocale()] += p.toDouble();
+            valueByRow[item->priceLocaleRow()] += p.toDouble();
         const QVariant pp = pricePaidReader.read(*item);
         if (pp.isValid() && !pp.isNull())
-            paid[item->pricePaidLocale()] += pp.toDouble();
+            paidByRow[item->pricePaidLocaleRow()] += pp.toDouble();
     }
+    auto byCode = [](const QHash<const ZTManagedObject *, double> &byRow) {
+        QHash<QString, double> totals;
+        for (auto it = byRow.constBegin(); it != byRow.constEnd(); ++it)
+            totals[ZTItem::localeCodeOfRow(it.key())] += it.value();
+        return totals;
+    };
+    const QHash<QString, double> value = byCode(valueByRow);
+    const QHash<QString, double> paid = byCode(paidByRow);
     QString text;
     auto append = [&text](const QString &part) {
         if (!text.isEmpty())

@@ -8,6 +8,8 @@ ZTItemTable::ZTItemTable(const ZTDocument &document)
     ZTManagedObjectContext *context = document.managedObjectContext();
     if (!context)
         return;
+    m_context = context;
+    m_entityName = document.itemEntityName();
     const auto &tables = context->oidObjectDictionary();
     auto it = tables.constFind(document.itemEntityName());
     if (it == tables.constEnd())
@@ -33,4 +35,18 @@ QList<ZTItem::KeyReader> ZTItemTable::readers(const QStringList &keys) const
     for (const QString &key : keys)
         result << reader(key);
     return result;
+}
+
+ZTResolvedItems ZTItemTable::items(const QStringList &oids) const
+{
+    if (!m_context)
+        return ZTResolvedItems(
+            std::make_shared<const std::vector<ZTManagedObject *>>(size_t(oids.size()), nullptr));
+    return ZTResolvedItems(m_context->resolvedObjects(m_entityName, oids));
+}
+
+void ZTItemTable::rememberItems(const QStringList &oids, std::vector<ZTManagedObject *> rows) const
+{
+    if (m_context)
+        m_context->rememberResolved(m_entityName, oids, std::move(rows));
 }

@@ -134,8 +134,59 @@ bool ZTSearchIndex::contains(const ZTItemTable &table, int slot, const QByteArra
     }
     const Entry &entry = m_entries[size_t(slot)];
     // UTF-8 is self-synchronising, so a byte match is a character match.
-    return memmem(m_buffer.constData() + entry.start, size_t(entry.size), needle.constData(),
-                  size_t(needle.size())) != nullptr;
+    if (!needle.isSharedWith(m_needle) || needle != m_needle) {
+        m_needle = needle;
+        m_needleRareByte = rarestByte(needle);
+    }
+    return findIn(m_buffer.constData() + entry.start, entry.size, needle, m_needleRareByte);
+}
+
+bool ZTSearchIndex::findIn(const char *text, qsizetype size, const QByteArray &needle)
+{
+    return findIn(text, size, needle, rarestByte(needle));
+}
+
+bool ZTSearchIndex::findIn(const char *text, qsizetype size, const QByteArray &needle, qsizetype rare)
+{
+    const qsizetype length = needle.size();
+    if (length == 0)
+        return true;
+    if (length > size)
+        return false;
+    // Texts are short and a keystroke tests tens of thousands of them, so the
+    // setup of a general search costs more than the search. Look instead for
+    // the needle's least common byte with memchr, which goes many bytes at a
+    // step, and compare the whole needle only where that byte turns up.
+    const char *bytes = needle.constData();
+    const char *first = text + rare;
+    const char *last = text + size - (length - rare); // last place the rare byte may stand
+    while (first <= last) {
+        const auto *hit = static_cast<const char *>(memchr(first, bytes[rare], size_t(last - first + 1)));
+        if (!hit)
+            return false;
+        if (memcmp(hit - rare, bytes, size_t(length)) == 0)
+            return true;
+        first = hit + 1;
+    }
+    return false;
+}
+
+qsizetype ZTSearchIndex::rarestByte(const QByteArray &needle)
+{
+    // How common each letter is in ordinary Latin-script text, most common
+    // first; bytes not listed (digits, marks, other scripts) count as rare.
+    static constexpr char common[] = " eaionrtslcudmhgpbfykvwzxjq";
+    qsizetype best = 0;
+    qsizetype bestRank = -1;
+    for (qsizetype i = 0; i < needle.size(); ++i) {
+        const char *at = strchr(common, needle[i]);
+        const qsizetype rank = at && needle[i] ? qsizetype(at - common) : qsizetype(sizeof(common));
+        if (rank > bestRank) {
+            bestRank = rank;
+            best = i;
+        }
+    }
+    return best;
 }
 
 void ZTSearchIndex::invalidate()

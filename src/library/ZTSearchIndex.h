@@ -31,12 +31,17 @@ public:
     std::vector<int> slotsForOids(const ZTItemTable &table, const QStringList &oids);
     bool contains(const ZTItemTable &table, int slot, const QByteArray &needle);
 
+    // Whether `needle` occurs in the `size` bytes at `text`.
+    static bool findIn(const char *text, qsizetype size, const QByteArray &needle);
+
     void invalidate();
     void invalidate(const QStringList &oids);
     qsizetype size() const { return qsizetype(m_entries.size()); }
 
 private:
     int slotForOid(const ZTItemTable &table, const QString &oid);
+    static qsizetype rarestByte(const QByteArray &needle);
+    static bool findIn(const char *text, qsizetype size, const QByteArray &needle, qsizetype rare);
     void store(int slot, const QByteArray &text);
 
     // All texts live in one buffer, in the order items were first indexed
@@ -53,6 +58,8 @@ private:
     std::vector<Entry> m_entries;
     QByteArray m_buffer;
     qsizetype m_unused = 0;
+    QByteArray m_needle; // the needle last searched for, and where its rarest byte stands
+    qsizetype m_needleRareByte = 0;
     QStringList m_lastOids;
     std::vector<int> m_lastSlots;
 };

@@ -101,7 +101,13 @@ QStringList ZTViewPipeline::displayedOids() const
 
 QList<ZTItem *> ZTViewPipeline::itemsOfOids(const QStringList &oids) const
 {
-    return m_document.itemsForOids(oids);
+    const ZTResolvedItems rows = ZTItemTable(m_document).items(oids);
+    QList<ZTItem *> items;
+    items.reserve(rows.size());
+    for (qsizetype row = 0; row < rows.size(); ++row)
+        if (ZTItem *item = rows[row])
+            items << item;
+    return items;
 }
 
 QList<ZTItem *> ZTViewPipeline::baseItems() const
@@ -208,19 +214,25 @@ int ZTViewPipeline::controlTextDidChange(const QString &text)
         const std::vector<int> rowSlots = narrows && m_searchedItemOids.isSharedWith(m_searchedSnapshot)
                                               ? m_searchedSlots
                                               : m_searchIndex.slotsForOids(table, candidates);
+        // The candidates' items are known (a list's, or the last result's), so
+        // the result's are too, and the statistics below need not look them up.
+        const ZTResolvedItems items = table.items(candidates);
         QStringList found;
         std::vector<int> foundSlots;
+        std::vector<ZTManagedObject *> foundItems;
         for (qsizetype i = 0; i < candidates.size(); ++i) {
             bool match = false;
             if (!needle.isEmpty())
                 match = m_searchIndex.contains(table, rowSlots[size_t(i)], needle);
-            else if (const ZTItem *item = table.item(candidates[i]))
+            else if (const ZTItem *item = items[i])
                 match = item->containsString(searchText);
             if (match) {
                 found << candidates[i];
                 foundSlots.push_back(rowSlots[size_t(i)]);
+                foundItems.push_back(items[i]);
             }
         }
+        table.rememberItems(found, std::move(foundItems));
         m_searchedSlots = std::move(foundSlots);
         m_searchedSnapshot = found;
         m_searchedItemOids = found;
@@ -297,10 +309,12 @@ void ZTViewPipeline::itemBrowserChanged(const QString &filterLabel, const QStrin
         return;
     const ZTItemTable table(m_document);
     const ZTItem::KeyReader reader = table.reader(filter->key2.isEmpty() ? filter->key : filter->key2);
-    for (const QString &oid : rowsOfList()) {
-        const ZTItem *item = table.item(oid);
+    const QStringList rows = rowsOfList();
+    const ZTResolvedItems items = table.items(rows);
+    for (qsizetype row = 0; row < rows.size(); ++row) {
+        const ZTItem *item = items[row];
         if (item && valueMatchesFilter(reader.read(*item), *filter, value))
-            m_subItemOids << oid;
+            m_subItemOids << rows[row];
     }
 }
 

@@ -132,6 +132,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     const QList<ZTItem::KeyReader> numberReaders = table.readers(keys.number);
     const QList<ZTItem::KeyReader> booleanValueReaders = table.readers(keys.boolean);
     const int rowCount = int(m_itemOids.size());
+    const ZTResolvedItems items = table.items(m_itemOids);
 
     // A large list is counted in two halves side by side, each half by its own
     // tally, and the halves are then joined in list order. Each item is read by
@@ -157,7 +158,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     auto count = [&](Tally &tally, int from, int to) {
         QStringList seen;
         for (int row = from; row < to; ++row) {
-            const ZTItem *item = table.item(m_itemOids.at(row));
+            const ZTItem *item = items[row];
             if (!item)
                 continue;
             for (int k = 0; k < stringReaders.size(); ++k) {

@@ -254,20 +254,34 @@ QString ZTItem::locale() const
     return row ? row->primitiveValueForKey(s_code, codeMemo).toString() : QString();
 }
 
+ZTManagedObject *ZTItem::priceLocaleRow() const
+{
+    static thread_local ZTSlotMemo memo;
+    ZTManagedObject *row = toOneForKey(s_toPriceLocale, memo);
+    return row ? row : ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(managedObjectContext());
+}
+
+ZTManagedObject *ZTItem::pricePaidLocaleRow() const
+{
+    static thread_local ZTSlotMemo memo;
+    ZTManagedObject *row = toOneForKey(s_toPricePaidLocale, memo);
+    return row ? row : ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(managedObjectContext());
+}
+
+QString ZTItem::localeCodeOfRow(const ZTManagedObject *row)
+{
+    static thread_local ZTSlotMemo memo;
+    return row ? row->primitiveValueForKey(s_code, memo).toString() : QString();
+}
+
 QString ZTItem::priceLocale() const
 {
-    ZTManagedObject *row = toOneForKey(s_toPriceLocale);
-    if (!row)
-        row = ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(managedObjectContext());
-    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+    return localeCodeOfRow(priceLocaleRow());
 }
 
 QString ZTItem::pricePaidLocale() const
 {
-    ZTManagedObject *row = toOneForKey(s_toPricePaidLocale);
-    if (!row)
-        row = ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(managedObjectContext());
-    return row ? row->primitiveValueForKey(s_code).toString() : QString();
+    return localeCodeOfRow(pricePaidLocaleRow());
 }
 
 void ZTItem::setLocale(const QString &code)
@@ -334,7 +348,7 @@ QStringList ZTItem::oidArrayForIncomingArray(const QStringList &names, const QSt
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context)
         return oids;
-    auto &table = context->oidObjectDictionary()[entityName];
+    auto &table = context->mutableOidTable(entityName);
     auto &index = context->nameIndex(entityName);
     for (const QString &name : names) {
         if (name.trimmed().isEmpty())
@@ -383,8 +397,8 @@ QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QStrin
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context)
         return oids;
-    auto &roleTable = context->oidObjectDictionary()[roleEntity];
-    auto &personTable = context->oidObjectDictionary()[personEntity];
+    auto &roleTable = context->mutableOidTable(roleEntity);
+    auto &personTable = context->mutableOidTable(personEntity);
     auto &roleIndex = context->nameIndex(roleEntity);
     auto &personIndex = context->nameIndex(personEntity);
     for (const QVariant &entry : dicts) {

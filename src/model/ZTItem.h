@@ -93,6 +93,11 @@ public:
     QString locale() const;
     QString priceLocale() const;
     QString pricePaidLocale() const;
+    // The currency rows themselves (the default row when none is set), for
+    // passes that total many items and read each row's code once.
+    ZTManagedObject *priceLocaleRow() const;
+    ZTManagedObject *pricePaidLocaleRow() const;
+    static QString localeCodeOfRow(const ZTManagedObject *row);
     void setLocale(const QString &code);
     void setPriceLocale(const QString &code);
     void setPricePaidLocale(const QString &code);

@@ -308,3 +308,20 @@ QVariant ZTManagedObject::normalized(const ZTAttribute &attribute, const QVarian
     }
     return {};
 }
+
+void ZTManagedObject::prefetchValues(PrefetchTexts texts) const
+{
+    const auto *bytes = reinterpret_cast<const char *>(m_values.data());
+    const size_t size = m_values.size() * sizeof(QVariant);
+    for (size_t offset = 0; offset < size; offset += 64)
+        __builtin_prefetch(bytes + offset);
+    if (m_toOne)
+        __builtin_prefetch(m_toOne.get());
+    if (texts == PrefetchTexts::No)
+        return;
+    // Only worth it once the values themselves are at hand: the caller asks
+    // for the texts a little later than for the values.
+    for (const QVariant &value : m_values)
+        if (value.typeId() == QMetaType::QString)
+            __builtin_prefetch(static_cast<const QString *>(value.constData())->constData());
+}

@@ -50,6 +50,12 @@ public:
         return &m_values[size_t(valueIndex(slot))];
     }
     void setPrimitiveValue(int slot, const QVariant &value);
+    // Asks the processor to bring this row's stored values (and, with
+    // Texts::Yes, the characters of its texts) into the cache ahead of a read.
+    // Passes over thousands of rows wait on memory far more than they compute;
+    // asking a few rows ahead lets those waits overlap.
+    enum class PrefetchTexts : bool { No, Yes };
+    void prefetchValues(PrefetchTexts texts = PrefetchTexts::No) const;
     QVariant primitiveValueForKey(const QString &key) const;
     QVariant primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const;
     void setPrimitiveValueForKey(const QVariant &value, const QString &key);

@@ -306,6 +306,54 @@ QList<ZTManagedObject *> ZTManagedObjectContext::objectsForEntity(const QString 
     return result;
 }
 
+QHash<QString, ZTManagedObject *> &ZTManagedObjectContext::mutableOidTable(const QString &entityName)
+{
+    noteOidTableChanged(entityName);
+    return m_oidTable[entityName];
+}
+
+ZTManagedObjectContext::ResolvedObjects ZTManagedObjectContext::resolvedObjects(const QString &entityName,
+                                                                                const QStringList &oids) const
+{
+    const quint64 generation = m_oidTableGenerations.value(entityName);
+    for (size_t i = 0; i < m_resolved.size(); ++i) {
+        Resolved &entry = m_resolved[i];
+        if (entry.generation == generation && entry.oids.isSharedWith(oids) &&
+            entry.entityName == entityName) {
+            std::rotate(m_resolved.begin(), m_resolved.begin() + qsizetype(i),
+                        m_resolved.begin() + qsizetype(i) + 1);
+            return m_resolved.front().objects;
+        }
+    }
+    auto objects = std::make_shared<std::vector<ZTManagedObject *>>();
+    objects->reserve(size_t(oids.size()));
+    const auto table = m_oidTable.constFind(entityName);
+    for (const QString &oid : oids)
+        objects->push_back(table == m_oidTable.constEnd() ? nullptr : table->value(oid, nullptr));
+    // Short lists cost little to look up again and are not worth a place.
+    if (oids.size() >= s_resolvedMinimum)
+        keepResolved(Resolved{entityName, oids, generation, objects});
+    return objects;
+}
+
+void ZTManagedObjectContext::rememberResolved(const QString &entityName, const QStringList &oids,
+                                              std::vector<ZTManagedObject *> objects) const
+{
+    if (oids.size() < s_resolvedMinimum || qsizetype(objects.size()) != oids.size())
+        return;
+    keepResolved(Resolved{entityName, oids, m_oidTableGenerations.value(entityName),
+                          std::make_shared<const std::vector<ZTManagedObject *>>(std::move(objects))});
+}
+
+void ZTManagedObjectContext::keepResolved(Resolved entry) const
+{
+    // A few lists are in play at once: the main list, the selected list, a search result.
+    constexpr size_t kept = 4;
+    m_resolved.insert(m_resolved.begin(), std::move(entry));
+    if (m_resolved.size() > kept)
+        m_resolved.pop_back();
+}
+
 void ZTManagedObjectContext::updateOidObjectDictionaryWithObjects(const QList<ZTManagedObject *> &objects,
                                                                   const QString &entityName)
 {
@@ -317,20 +365,23 @@ void ZTManagedObjectContext::updateOidObjectDictionaryWithObjects(const QList<ZT
             table.insert(oid, object);
     }
     m_oidTable.insert(entityName, table);
+    noteOidTableChanged(entityName);
 }
 
 void ZTManagedObjectContext::setOidObject(const QString &entityName, const QString &oid,
                                           ZTManagedObject *object)
 {
-    if (!oid.isEmpty() && object)
+    if (!oid.isEmpty() && object) {
         m_oidTable[entityName].insert(oid, object);
+        noteOidTableChanged(entityName);
+    }
 }
 
 void ZTManagedObjectContext::removeOidObject(const QString &entityName, const QString &oid)
 {
     auto table = m_oidTable.find(entityName);
-    if (table != m_oidTable.end())
-        table->remove(oid);
+    if (table != m_oidTable.end() && table->remove(oid))
+        noteOidTableChanged(entityName);
 }
 
 void ZTManagedObjectContext::insertImageWithFilename(const QString &filename, const QByteArray &data)

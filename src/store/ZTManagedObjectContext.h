@@ -61,14 +61,32 @@ public:
     // disk moves and the change sets stay.
     bool save(QString *error = nullptr);
 
-    // The oid table: entity name to (oid to row).
-    QHash<QString, QHash<QString, ZTManagedObject *>> &oidObjectDictionary() { return m_oidTable; }
+    // The oid table: entity name to (oid to row). Changes go through the calls
+    // below or mutableOidTable(), which keep the resolved lists honest.
+    const QHash<QString, QHash<QString, ZTManagedObject *>> &oidObjectDictionary() const
+    {
+        return m_oidTable;
+    }
+    QHash<QString, ZTManagedObject *> &mutableOidTable(const QString &entityName);
     ZTManagedObject *objectForEntity(const QString &entityName, const QString &oid) const;
     QList<ZTManagedObject *> objectsForEntity(const QString &entityName, const QStringList &oids) const;
     void updateOidObjectDictionaryWithObjects(const QList<ZTManagedObject *> &objects,
                                               const QString &entityName);
     void setOidObject(const QString &entityName, const QString &oid, ZTManagedObject *object);
     void removeOidObject(const QString &entityName, const QString &oid);
+
+    // The rows of `oids` in their order, nullptr where an oid has none. Passes
+    // over a large list (the caches, sorting, statistics, the browser) ask for
+    // the same list again and again, so the answer is kept for that very list
+    // (the same shared array) until the entity's oid table changes. Holding a
+    // copy of the list means any change to the caller's list detaches it, so a
+    // changed list is never mistaken for the one resolved.
+    using ResolvedObjects = std::shared_ptr<const std::vector<ZTManagedObject *>>;
+    ResolvedObjects resolvedObjects(const QString &entityName, const QStringList &oids) const;
+    // Records rows already known for a list made from resolved rows (a
+    // search result picked out of a resolved list), so it is never looked up.
+    void rememberResolved(const QString &entityName, const QStringList &oids,
+                          std::vector<ZTManagedObject *> objects) const;
 
     // Shared rows by name (or by person and role), first row first; built on
     // first use from the oid table and kept in step by the callers that insert.
@@ -114,6 +132,17 @@ private:
     QList<ZTManagedObject *> m_updated;
     QList<ZTManagedObject *> m_deleted;
     QHash<QString, QHash<QString, ZTManagedObject *>> m_oidTable;
+    void noteOidTableChanged(const QString &entityName) { ++m_oidTableGenerations[entityName]; }
+    QHash<QString, quint64> m_oidTableGenerations;
+    struct Resolved {
+        QString entityName;
+        QStringList oids;
+        quint64 generation = 0;
+        ResolvedObjects objects;
+    };
+    mutable std::vector<Resolved> m_resolved; // most recent first
+    static constexpr qsizetype s_resolvedMinimum = 64;
+    void keepResolved(Resolved entry) const;
     QSet<QString> m_imagesDeleted;
     QHash<QString, QHash<QString, ZTManagedObject *>> m_nameIndex;
     quint64 m_nextTemporary = 1;

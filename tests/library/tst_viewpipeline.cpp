@@ -1,6 +1,8 @@
 #include "library/ZTAttributeTables.h"
 #include "library/ZTItemSorting.h"
 #include "library/ZTItemStatistics.h"
+#include "library/ZTItemTable.h"
+#include "library/ZTSearchIndex.h"
 #include "library/ZTTextOrder.h"
 #include "library/ZTViewPipeline.h"
 
@@ -19,6 +21,8 @@ private Q_SLOTS:
     void manyEditsKeepTheIndexRight();
     void searchIndexAgreesWithTheItems_data();
     void searchIndexAgreesWithTheItems();
+    void textSearchAgreesWithAPlainSearch();
+    void resolvedItemsFollowTheLibrary();
     void browserShowsTheSelectedListsValues();
     void browserMatches_data();
     void browserMatches();
@@ -212,6 +216,71 @@ void TestViewPipeline::searchIndexAgreesWithTheItems()
         QVERIFY2(text.contains(ZTSearchIndex::foldedNeedle(needle.toLower())) ==
                      item->containsString(needle.toLower()),
                  qPrintable(needle));
+}
+
+void TestViewPipeline::textSearchAgreesWithAPlainSearch()
+{
+    // Texts and needles from a small alphabet, so that near misses are common:
+    // the rare byte found where the rest does not fit, at either end, repeated,
+    // and in the middle of a multi-byte character.
+    const QStringList pieces{"a", "k", "ka", "ß", "é", "\x1F", "kaa", "q", " ", "1"};
+    QRandomGenerator random(7);
+    auto make = [&](int parts) {
+        QString text;
+        for (int i = 0; i < parts; ++i)
+            text += pieces[random.bounded(int(pieces.size()))];
+        return text.toUtf8();
+    };
+    int found = 0;
+    for (int round = 0; round < 4000; ++round) {
+        const QByteArray text = make(random.bounded(12));
+        const QByteArray needle = make(1 + random.bounded(4));
+        const bool expected = text.contains(needle);
+        found += expected;
+        QVERIFY2(
+            ZTSearchIndex::findIn(text.constData(), text.size(), needle) == expected,
+            qPrintable(QStringLiteral("%1 in %2").arg(QString::fromUtf8(needle), QString::fromUtf8(text))));
+    }
+    // Both answers came up often enough for the comparison to mean something.
+    QVERIFY(found > 400 && found < 3600);
+    QVERIFY(ZTSearchIndex::findIn("abc", 3, QByteArray()));
+    QVERIFY(!ZTSearchIndex::findIn("ab", 2, "abc"));
+}
+
+void TestViewPipeline::resolvedItemsFollowTheLibrary()
+{
+    ZTLibraryFixture f;
+    // Enough items for the table to keep the answer between calls.
+    for (int i = 0; i < 100; ++i)
+        f.addTitled(QStringLiteral("Book %1").arg(i));
+    const QStringList oids = f.document().mainList()->itemOids();
+    const ZTItemTable table(f.document());
+    auto check = [&](const QStringList &list, const QSet<QString> &gone) {
+        const ZTResolvedItems items = table.items(list);
+        QCOMPARE(items.size(), list.size());
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            if (gone.contains(list[i]))
+                QVERIFY2(!items[i], qPrintable(list[i]));
+            else
+                QVERIFY2(items[i] && items[i]->oid() == list[i], qPrintable(list[i]));
+        }
+    };
+    check(oids, {});
+    check(oids, {}); // the kept answer
+    // An item that leaves the library leaves the answer for the very same list.
+    f.document().removeItemsFromLibrary({oids[5]});
+    check(oids, {oids[5]});
+    // A list changed in place is a new list, even while the old one is kept.
+    QStringList changed = oids;
+    changed[7] = QStringLiteral("no such oid");
+    changed.move(0, 99);
+    check(changed, {oids[5], QStringLiteral("no such oid")});
+    // And an item that comes back with its oid is found again.
+    ZTItem *added = f.add({{QStringLiteral("title"), QStringLiteral("New")}});
+    QStringList withNew = changed;
+    withNew[10] = added->oid();
+    check(withNew, {oids[5], QStringLiteral("no such oid")});
+    check(changed, {oids[5], QStringLiteral("no such oid")});
 }
 
 void TestViewPipeline::browserShowsTheSelectedListsValues()
