@@ -158,6 +158,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     auto count = [&](Tally &tally, int from, int to) {
         QStringList seen;
         for (int row = from; row < to; ++row) {
+            items.prefetchAhead(row, ZTManagedObject::PrefetchTexts::Yes);
             const ZTItem *item = items[row];
             if (!item)
                 continue;

@@ -507,9 +507,15 @@ void ZTSmartList::handleItems(const QList<ZTItem *> &items)
     // Every item is judged at the same moment, with the rules read apart once.
     const std::vector<Rule> rules = rulesForPass(ZTListClock::now());
     const bool allOf = shouldUseAndQualifier();
-    for (const ZTItem *item : items)
+    // Rows are fetched a few steps ahead: the pass waits on memory, not on the rules.
+    constexpr qsizetype ahead = 6;
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        if (i + ahead < items.size() && items[i + ahead])
+            items[i + ahead]->prefetchValues(ZTManagedObject::PrefetchTexts::Yes);
+        const ZTItem *item = items[i];
         if (item && judgeAll(rules, allOf, [&](const Rule &rule) { return evaluateRule(*item, rule); }))
             m_itemOids << item->oid();
+    }
     itemOidsReplaced();
     updateListData();
 }
