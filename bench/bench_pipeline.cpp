@@ -19,8 +19,10 @@
 
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <vector>
 
 namespace {
 
@@ -166,7 +168,9 @@ int main(int argc, char **argv)
         const int rounds = qEnvironmentVariableIsSet("ZT_BENCH_ROUNDS")
                                ? qEnvironmentVariableIntValue("ZT_BENCH_ROUNDS")
                                : 20;
+        std::vector<double> times;
         for (int i = 0; i < rounds; ++i) {
+            timer.restart();
             if (only == "caches")
                 pipeline.updateMainCaches();
             else if (only == "stats")
@@ -180,7 +184,11 @@ int main(int argc, char **argv)
                                         {{QStringLiteral("genre"), true, 0},
                                          {QStringLiteral("year"), false, 1},
                                          {QStringLiteral("titleWithoutLeadingArticle"), true, 2}});
+            times.push_back(milliseconds(timer));
         }
+        std::sort(times.begin(), times.end());
+        std::printf("%s: best %.1f ms, median %.1f ms over %d rounds\n", only.constData(), times.front(),
+                    times[times.size() / 2], rounds);
         return 0;
     }
     timer.restart();

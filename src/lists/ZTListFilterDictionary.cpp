@@ -29,18 +29,54 @@ struct Column {
     bool hasBlank = false;
     QHash<qint64, int> integerIndex;
 
-    void count(const QString &value, int row)
+    int indexOf(const QString &value)
     {
         auto it = index.constFind(value);
-        int i;
-        if (it == index.constEnd()) {
-            i = int(values.size());
-            index.insert(value, i);
-            values << value;
-            rows.emplace_back();
-        } else {
-            i = *it;
+        if (it != index.constEnd())
+            return *it;
+        const int i = int(values.size());
+        index.insert(value, i);
+        values << value;
+        rows.emplace_back();
+        return i;
+    }
+    void count(const QString &value, int row) { rows[size_t(indexOf(value))].push_back(row); }
+
+    // The store keeps one copy of a text repeated down a column, so most rows
+    // can be counted by where their characters lie, without hashing or
+    // comparing them. Each address is pinned by a copy of its text, so it
+    // cannot be freed and taken by another text during the pass. A column
+    // whose texts are made afresh for every row (a computed value) stops trying.
+    QHash<const QChar *, int> byAddress;
+    std::vector<QString> pinned;
+    int addressTries = 0;
+    int addressMisses = 0;
+    bool addressesUseful = true;
+
+    void countText(const QString &value, int row)
+    {
+        if (!addressesUseful) {
+            count(value, row);
+            return;
         }
+        ++addressTries;
+        auto it = byAddress.constFind(value.constData());
+        // The same characters at the same address and of the same length are the same text.
+        if (it != byAddress.constEnd() && values[*it].size() == value.size()) {
+            rows[size_t(*it)].push_back(row);
+            return;
+        }
+        ++addressMisses;
+        if (addressTries >= 4096 && addressMisses * 2 > addressTries) {
+            addressesUseful = false;
+            byAddress = {};
+            pinned = {};
+            count(value, row);
+            return;
+        }
+        const int i = indexOf(value);
+        byAddress.insert(value.constData(), i);
+        pinned.push_back(value);
         rows[size_t(i)].push_back(row);
     }
     // Whole numbers skip making their text for every item: it is made once per value.
@@ -158,7 +194,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     auto count = [&](Tally &tally, int from, int to) {
         QStringList seen;
         for (int row = from; row < to; ++row) {
-            items.prefetchAhead(row, ZTManagedObject::PrefetchTexts::Yes);
+            items.prefetchAhead(row);
             const ZTItem *item = items[row];
             if (!item)
                 continue;
@@ -172,7 +208,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                     if (!value || isBlank(*value))
                         column.countBlank(row);
                     else
-                        column.count(*value, row);
+                        column.countText(*value, row);
                     continue;
                 }
                 const QString value = stringReaders[k].read(*item).toString();
@@ -201,7 +237,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                         blankCounted = true;
                     } else if (values.size() == 1 || !seen.contains(value)) {
                         seen << value;
-                        column.count(value, row);
+                        column.countText(value, row);
                     }
                 }
             }
