@@ -110,6 +110,99 @@ int ZTItemSorting::compareNilFirst(const QVariant &a, const QVariant &b)
     return compareSortValues(sortValueFor(a), sortValueFor(b));
 }
 
+namespace {
+
+// One column's texts, each met once: by address first, since the store keeps
+// one copy of a text repeated down a column, then by content, while that
+// still finds anything (a column of titles is nearly all distinct, and
+// hashing each one would only cost). A text met twice under two addresses
+// is simply listed twice; both get the same rank.
+struct TextColumn {
+    std::vector<QString> texts; // also pins each address for the pass
+    QHash<const QChar *, int> byAddress;
+    QHash<QString, int> byContent;
+    int contentTries = 0;
+    int contentHits = 0;
+    bool useContent = true;
+
+    int indexOf(const QString &text)
+    {
+        auto at = byAddress.constFind(text.constData());
+        if (at != byAddress.constEnd() && texts[size_t(*at)].size() == text.size())
+            return *at;
+        if (useContent) {
+            ++contentTries;
+            auto it = byContent.constFind(text);
+            if (it != byContent.constEnd()) {
+                ++contentHits;
+                return *it;
+            }
+            if (contentTries >= 4096 && contentHits * 10 < contentTries) {
+                useContent = false;
+                byContent = {};
+            }
+        }
+        const int index = int(texts.size());
+        texts.push_back(text);
+        byAddress.insert(text.constData(), index);
+        if (useContent)
+            byContent.insert(text, index);
+        return index;
+    }
+
+    // Each text's place in the localised order; texts that collate alike share one.
+    std::vector<double> ranks() const
+    {
+        const size_t count = texts.size();
+        std::vector<std::optional<QCollatorSortKey>> keys(count);
+        auto fill = [&](size_t from, size_t to) {
+            for (size_t i = from; i < to; ++i)
+                keys[i] = ZTTextOrder::sortKey(texts[i]);
+        };
+        // Collation keys are the costly part: a long column is keyed in two
+        // halves side by side, each thread with its own collator.
+        if (qsizetype(count) >= s_parallelSortSize) {
+            std::thread second(fill, count / 2, count);
+            fill(0, count / 2);
+            second.join();
+        } else {
+            fill(0, count);
+        }
+        std::vector<int> order(count);
+        for (size_t i = 0; i < count; ++i)
+            order[i] = int(i);
+        auto before = [&](int a, int b) { return keys[size_t(a)]->compare(*keys[size_t(b)]) < 0; };
+        // Likewise the sort: two halves side by side, then one merge.
+        if (qsizetype(count) >= s_parallelSortSize) {
+            const auto middle = order.begin() + qsizetype(count / 2);
+            std::thread second([&] { std::sort(middle, order.end(), before); });
+            std::sort(order.begin(), middle, before);
+            second.join();
+            std::inplace_merge(order.begin(), middle, order.end(), before);
+        } else {
+            std::sort(order.begin(), order.end(), before);
+        }
+        std::vector<double> rank(count);
+        double place = 0;
+        for (size_t i = 0; i < count; ++i) {
+            if (i > 0 && keys[size_t(order[i - 1])]->compare(*keys[size_t(order[i])]) != 0)
+                ++place;
+            rank[size_t(order[i])] = place;
+        }
+        return rank;
+    }
+};
+
+// A key's value in one row, small enough that the sort compares numbers held
+// side by side: a text becomes its rank among the column's texts, dates and
+// flags numbers, and any other value an index into the values kept aside.
+struct Cell {
+    SortValue::Kind kind = SortValue::Kind::Nil;
+    double number = 0;
+};
+
+} // namespace
+
 void ZTItemSorting::sortOids(const ZTDocument &document, QStringList &oids, const QList<ZTSortEntry> &entries)
 {
     if (entries.isEmpty() || oids.size() < 2)
@@ -120,56 +213,87 @@ void ZTItemSorting::sortOids(const ZTDocument &document, QStringList &oids, cons
         readers << table.reader(entry.columnIdentifier);
     const qsizetype rows = oids.size();
     const qsizetype keys = entries.size();
-    std::vector<SortValue> values(static_cast<size_t>(rows * keys));
+    std::vector<Cell> cells(static_cast<size_t>(rows * keys));
+    std::vector<TextColumn> texts(static_cast<size_t>(keys));
+    std::vector<QVariant> others;
     const ZTResolvedItems items = table.items(oids);
-    // Collation keys are the costly part: a text met again (a genre, a
-    // publisher) reuses its key, and a long list is keyed in two halves side by
-    // side, each with its own collator. Each item is read by one thread only.
-    auto fill = [&](qsizetype from, qsizetype to) {
-        std::vector<QHash<QString, QCollatorSortKey>> known(static_cast<size_t>(keys));
-        for (qsizetype r = from; r < to; ++r) {
-            const ZTItem *item = items[r];
-            if (!item)
+    for (qsizetype r = 0; r < rows; ++r) {
+        items.prefetchAhead(r);
+        const ZTItem *item = items[r];
+        if (!item)
+            continue; // an unknown oid sorts as a row of nils
+        for (qsizetype k = 0; k < keys; ++k) {
+            Cell &cell = cells[size_t(r * keys + k)];
+            const QVariant *stored = nullptr;
+            QVariant read;
+            if (!readers[k].peek(*item, &stored)) {
+                read = readers[k].read(*item);
+                stored = &read;
+            }
+            if (!stored || isNil(*stored))
                 continue;
-            for (qsizetype k = 0; k < keys; ++k) {
-                const QVariant value = readers[k].read(*item);
-                SortValue &slot = values[size_t(r * keys + k)];
-                if (value.typeId() != QMetaType::QString || isNil(value)) {
-                    slot = sortValueFor(value);
-                    continue;
-                }
-                const QString &text = *static_cast<const QString *>(value.constData());
-                QHash<QString, QCollatorSortKey> &memo = known[size_t(k)];
-                auto it = memo.constFind(text);
-                if (it == memo.constEnd())
-                    it = memo.insert(text, ZTTextOrder::sortKey(text));
-                slot.kind = SortValue::Kind::Text;
-                slot.text = *it;
+            const int type = stored->typeId();
+            if (type == QMetaType::QString || type == QMetaType::QStringList) {
+                cell.kind = SortValue::Kind::Text;
+                cell.number = texts[size_t(k)].indexOf(
+                    type == QMetaType::QString ? *static_cast<const QString *>(stored->constData())
+                                               : stored->toStringList().join(QLatin1Char(' ')));
+                continue;
+            }
+            const SortValue value = sortValueFor(*stored);
+            cell.kind = value.kind;
+            if (value.kind == SortValue::Kind::Number) {
+                cell.number = value.number;
+            } else if (value.kind == SortValue::Kind::Other) {
+                cell.number = double(others.size());
+                others.push_back(value.other);
             }
         }
-    };
-    if (rows >= s_parallelSortSize) {
-        std::thread second(fill, rows / 2, rows);
-        fill(0, rows / 2);
-        second.join();
-    } else {
-        fill(0, rows);
     }
+    for (qsizetype k = 0; k < keys; ++k) {
+        if (texts[size_t(k)].texts.empty())
+            continue;
+        const std::vector<double> rank = texts[size_t(k)].ranks();
+        for (qsizetype r = 0; r < rows; ++r) {
+            Cell &cell = cells[size_t(r * keys + k)];
+            if (cell.kind == SortValue::Kind::Text)
+                cell.number = rank[size_t(cell.number)];
+        }
+    }
+    auto compareCells = [&others](const Cell &a, const Cell &b) {
+        using K = SortValue::Kind;
+        if (a.kind == K::Nil || b.kind == K::Nil)
+            return a.kind == b.kind ? 0 : (a.kind == K::Nil ? -1 : 1);
+        if (a.kind == b.kind && a.kind != K::Other)
+            return a.number < b.number ? -1 : (a.number > b.number ? 1 : 0);
+        if (a.kind == K::Other && b.kind == K::Other)
+            return ZTTextOrder::compareValues(others[size_t(a.number)], others[size_t(b.number)]);
+        // Values of unlike kinds in one column: numbers, then texts, then the rest.
+        auto rank = [](K kind) { return kind == K::Number ? 0 : (kind == K::Text ? 1 : 2); };
+        return rank(a.kind) < rank(b.kind) ? -1 : 1;
+    };
     std::vector<qsizetype> order(static_cast<size_t>(rows));
     for (qsizetype r = 0; r < rows; ++r)
         order[size_t(r)] = r;
     std::stable_sort(order.begin(), order.end(), [&](qsizetype x, qsizetype y) {
         for (qsizetype k = 0; k < keys; ++k) {
-            const int r = compareSortValues(values[size_t(x * keys + k)], values[size_t(y * keys + k)]);
-            if (r != 0)
-                return entries[k].ascending ? r < 0 : r > 0;
+            const int c = compareCells(cells[size_t(x * keys + k)], cells[size_t(y * keys + k)]);
+            if (c != 0)
+                return entries[k].ascending ? c < 0 : c > 0;
         }
         return false;
     });
     QStringList sorted;
     sorted.reserve(rows);
-    for (qsizetype r : order)
-        sorted << oids[r];
+    // Copying an oid touches its shared text's count, just before the
+    // characters; in sorted order those lie all over memory, so they are
+    // asked for a few rows ahead.
+    constexpr size_t ahead = 8;
+    for (size_t i = 0; i < order.size(); ++i) {
+        if (i + ahead < order.size())
+            __builtin_prefetch(reinterpret_cast<const char *>(oids.at(order[i + ahead]).constData()) - 16);
+        sorted << oids.at(order[i]);
+    }
     oids = sorted;
 }
 
