@@ -12,23 +12,30 @@ const QString s_name = QStringLiteral("name");
 const QString s_role = QStringLiteral("role");
 const ZTRoleEntity &s_roles = ZTRoleEntities::author;
 
-QStringList toStrings(const QVariant &v) { return ZTItem::variantToStrings(v); }
+QStringList toStrings(const QVariant &v)
+{
+    return ZTItem::variantToStrings(v);
+}
 
 } // namespace
 
-QStringList ZTBook::itemCodeTypes() const { return {QStringLiteral("isbn"), QStringLiteral("lccn")}; }
+QStringList ZTBook::itemCodeTypes() const
+{
+    return {QStringLiteral("isbn"), QStringLiteral("lccn")};
+}
 
 QVariantList ZTBook::authorRoleDicts() const
 {
-    return roleDictsForOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+    return roleDictsForOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity),
+                            QLatin1String(s_roles.personKey));
 }
 
 void ZTBook::setAuthorRoleDicts(const QVariantList &dicts)
 {
     storeOidArray(m_authorRoleOids,
-                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personEntity),
-                                       QLatin1String(s_roles.personKey), QLatin1String(s_roles.inverseKey),
-                                       MissingRole::Empty),
+                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity),
+                                       QLatin1String(s_roles.personEntity), QLatin1String(s_roles.personKey),
+                                       QLatin1String(s_roles.inverseKey), MissingRole::Empty),
                   s_authorData);
     updateAuthors();
 }
@@ -39,21 +46,28 @@ void ZTBook::setAuthors(const QStringList &names)
     for (const QString &n : names)
         dicts << QVariantMap{{s_name, n}};
     storeOidArray(m_authorRoleOids,
-                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personEntity),
-                                       QLatin1String(s_roles.personKey), QLatin1String(s_roles.inverseKey),
-                                       MissingRole::Unset),
+                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity),
+                                       QLatin1String(s_roles.personEntity), QLatin1String(s_roles.personKey),
+                                       QLatin1String(s_roles.inverseKey), MissingRole::Unset),
                   s_authorData);
     updateAuthors();
 }
 
-QStringList ZTBook::authors() const { return stringsForArray(authorRoleDicts(), s_name); }
+QStringList ZTBook::authors() const
+{
+    return stringsForArray(authorRoleDicts(), s_name);
+}
 
 QStringList ZTBook::authorOids() const
 {
-    return personOidsForRoleOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+    return personOidsForRoleOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity),
+                                 QLatin1String(s_roles.personKey));
 }
 
-QStringList ZTBook::locSubjects() const { return namesForOids(m_subjectOids, s_subjectEntity); }
+QStringList ZTBook::locSubjects() const
+{
+    return namesForOids(m_subjectOids, s_subjectEntity);
+}
 
 void ZTBook::setLocSubjects(const QStringList &names)
 {
@@ -62,7 +76,8 @@ void ZTBook::setLocSubjects(const QStringList &names)
 
 QString ZTBook::deweyClassNumberPrefix() const
 {
-    return ZTItemDerived::deweyClassNumberPrefix(primitiveValueForKey(QStringLiteral("deweyClassNumber")).toString());
+    return ZTItemDerived::deweyClassNumberPrefix(
+        primitiveValueForKey(QStringLiteral("deweyClassNumber")).toString());
 }
 
 QString ZTBook::deweyClassNumberDisplayString() const
@@ -109,8 +124,8 @@ void ZTBook::updateVolumeNumber()
 
 void ZTBook::updateLocClassificationSortable()
 {
-    m_locClassificationSortable =
-        ZTItemDerived::locClassificationSortable(primitiveValueForKey(QStringLiteral("locClassification")).toString());
+    m_locClassificationSortable = ZTItemDerived::locClassificationSortable(
+        primitiveValueForKey(QStringLiteral("locClassification")).toString());
 }
 
 void ZTBook::updateAttributes()
@@ -129,13 +144,15 @@ void ZTBook::decodeBlobs()
 
 QStringList ZTBook::indexKeysSingle() const
 {
-    return ZTItem::indexKeysSingle() + QStringList{QStringLiteral("publisher"), QStringLiteral("locClassification"),
+    return ZTItem::indexKeysSingle() + QStringList{QStringLiteral("publisher"),
+                                                   QStringLiteral("locClassification"),
                                                    QStringLiteral("isbn"), QStringLiteral("lccn")};
 }
 
 QStringList ZTBook::indexKeysMultiple() const
 {
-    return ZTItem::indexKeysMultiple() + QStringList{QStringLiteral("authors"), QStringLiteral("locSubjects")};
+    return ZTItem::indexKeysMultiple() +
+           QStringList{QStringLiteral("authors"), QStringLiteral("locSubjects")};
 }
 
 bool ZTBook::kindContainsString(const QString &text) const
@@ -188,18 +205,21 @@ const ZTItem::AccessorTable &ZTBook::accessors() const
                  {&read<B, &B::authorRoleDicts>, &writeList<B, &B::setAuthorRoleDicts>});
         t.insert(QStringLiteral("authorOids"), {&read<B, &B::authorOids>, nullptr});
         t.insert(QStringLiteral("authorRoleOids"), {&read<B, &B::authorRoleOids>, nullptr});
-        t.insert(QStringLiteral("locSubjects"), {&read<B, &B::locSubjects>, &writeStrings<B, &B::setLocSubjects>});
+        t.insert(QStringLiteral("locSubjects"),
+                 {&read<B, &B::locSubjects>, &writeStrings<B, &B::setLocSubjects>});
         t.insert(QStringLiteral("subjectOids"), {&read<B, &B::subjectOids>, nullptr});
         t.insert(QStringLiteral("authorsWithTypes"), {&read<B, &B::authorsWithTypes>, nullptr});
         t.insert(QStringLiteral("authorsWithTypesByLastNameFirstName"),
                  {&read<B, &B::authorsWithTypesByLastNameFirstName>, nullptr});
         t.insert(QStringLiteral("volumeNumberSortable"), {&read<B, &B::volumeNumberSortable>, nullptr});
-        t.insert(QStringLiteral("locClassificationSortable"), {&read<B, &B::locClassificationSortable>, nullptr});
+        t.insert(QStringLiteral("locClassificationSortable"),
+                 {&read<B, &B::locClassificationSortable>, nullptr});
         t.insert(QStringLiteral("firstAuthor"), {&readFirst<B, &B::authors>, nullptr});
         t.insert(QStringLiteral("firstAuthorByLastNameFirstname"),
                  {[](const ZTItem &i) -> QVariant {
                       const QStringList a = static_cast<const B &>(i).authors();
-                      return a.isEmpty() ? QVariant() : QVariant(ZTItemDerived::lastNameFirst(a.first().trimmed()));
+                      return a.isEmpty() ? QVariant()
+                                         : QVariant(ZTItemDerived::lastNameFirst(a.first().trimmed()));
                   },
                   nullptr});
         t.insert(QStringLiteral("firstLocSubject"), {&readFirst<B, &B::locSubjects>, nullptr});

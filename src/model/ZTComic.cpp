@@ -10,8 +10,8 @@ const QString s_characterData = QStringLiteral("toCharacterData");
 const QString s_storyEntity = QStringLiteral("ZTStory");
 const QString s_name = QStringLiteral("name");
 const QString s_role = QStringLiteral("role");
-const char *const s_ownKeys[] = {"cbdbn", "gcdn", "isbn", "upc", "pages", "publisher", "issueNumber", "grade",
-                                 "issueCount"};
+const char *const s_ownKeys[] = {"cbdbn",     "gcdn",        "isbn",  "upc",       "pages",
+                                 "publisher", "issueNumber", "grade", "issueCount"};
 
 QVariantList plainNames(const QStringList &names)
 {
@@ -22,20 +22,26 @@ QVariantList plainNames(const QStringList &names)
 }
 } // namespace
 
-QStringList ZTComic::itemCodeTypes() const { return {QStringLiteral("cbdbn"), QStringLiteral("gcdn")}; }
+QStringList ZTComic::itemCodeTypes() const
+{
+    return {QStringLiteral("cbdbn"), QStringLiteral("gcdn")};
+}
 
 QStringList ZTComic::grades()
 {
-    return {QStringLiteral("GM"),    QStringLiteral("MT"),    QStringLiteral("NM/MT"), QStringLiteral("NM+"),
-            QStringLiteral("NM"),    QStringLiteral("NM-"),   QStringLiteral("VF/NM"), QStringLiteral("VF+"),
-            QStringLiteral("VF"),    QStringLiteral("VF-"),   QStringLiteral("FN/VF"), QStringLiteral("FN+"),
-            QStringLiteral("FN"),    QStringLiteral("FN-"),   QStringLiteral("VG/FN"), QStringLiteral("VG+"),
-            QStringLiteral("VG"),    QStringLiteral("VG-"),   QStringLiteral("GD/VG"), QStringLiteral("GD+"),
-            QStringLiteral("GD"),    QStringLiteral("GD-"),   QStringLiteral("FR/GD"), QStringLiteral("FR"),
+    return {QStringLiteral("GM"), QStringLiteral("MT"),  QStringLiteral("NM/MT"), QStringLiteral("NM+"),
+            QStringLiteral("NM"), QStringLiteral("NM-"), QStringLiteral("VF/NM"), QStringLiteral("VF+"),
+            QStringLiteral("VF"), QStringLiteral("VF-"), QStringLiteral("FN/VF"), QStringLiteral("FN+"),
+            QStringLiteral("FN"), QStringLiteral("FN-"), QStringLiteral("VG/FN"), QStringLiteral("VG+"),
+            QStringLiteral("VG"), QStringLiteral("VG-"), QStringLiteral("GD/VG"), QStringLiteral("GD+"),
+            QStringLiteral("GD"), QStringLiteral("GD-"), QStringLiteral("FR/GD"), QStringLiteral("FR"),
             QStringLiteral("PR")};
 }
 
-QStringList ZTComic::stories() const { return namesForOids(m_storyOids, s_storyEntity); }
+QStringList ZTComic::stories() const
+{
+    return namesForOids(m_storyOids, s_storyEntity);
+}
 void ZTComic::setStories(const QStringList &names)
 {
     storeOidArray(m_storyOids, oidArrayForIncomingArray(names, s_storyEntity), s_storyData);
@@ -44,8 +50,9 @@ void ZTComic::setStories(const QStringList &names)
 static QStringList roleOids(ZTComic &comic, const QVariantList &dicts, const ZTRoleEntity &roles,
                             ZTItem::MissingRole missing)
 {
-    return comic.oidArrayForRoleDicts(dicts, QLatin1String(roles.roleEntity), QLatin1String(roles.personEntity),
-                                      QLatin1String(roles.personKey), QLatin1String(roles.inverseKey), missing);
+    return comic.oidArrayForRoleDicts(dicts, QLatin1String(roles.roleEntity),
+                                      QLatin1String(roles.personEntity), QLatin1String(roles.personKey),
+                                      QLatin1String(roles.inverseKey), missing);
 }
 
 QVariantList ZTComic::artistRoleDicts() const
@@ -63,12 +70,16 @@ void ZTComic::setArtistRoleDicts(const QVariantList &dicts)
 
 void ZTComic::setArtists(const QStringList &names)
 {
-    storeOidArray(m_artistRoleOids, roleOids(*this, plainNames(names), ZTRoleEntities::artist, MissingRole::Unset),
+    storeOidArray(m_artistRoleOids,
+                  roleOids(*this, plainNames(names), ZTRoleEntities::artist, MissingRole::Unset),
                   s_artistData);
     updateArtists();
 }
 
-QStringList ZTComic::artists() const { return stringsForArray(artistRoleDicts(), s_name); }
+QStringList ZTComic::artists() const
+{
+    return stringsForArray(artistRoleDicts(), s_name);
+}
 
 QStringList ZTComic::artistOids() const
 {
@@ -84,17 +95,22 @@ QVariantList ZTComic::characterRoleDicts() const
 
 void ZTComic::setCharacterRoleDicts(const QVariantList &dicts)
 {
-    storeOidArray(m_characterRoleOids, roleOids(*this, dicts, ZTRoleEntities::character, MissingRole::LiteralNil),
+    storeOidArray(m_characterRoleOids,
+                  roleOids(*this, dicts, ZTRoleEntities::character, MissingRole::LiteralNil),
                   s_characterData);
 }
 
 void ZTComic::setCharacters(const QStringList &names)
 {
     storeOidArray(m_characterRoleOids,
-                  roleOids(*this, plainNames(names), ZTRoleEntities::character, MissingRole::Unset), s_characterData);
+                  roleOids(*this, plainNames(names), ZTRoleEntities::character, MissingRole::Unset),
+                  s_characterData);
 }
 
-QStringList ZTComic::characters() const { return stringsForArray(characterRoleDicts(), s_name); }
+QStringList ZTComic::characters() const
+{
+    return stringsForArray(characterRoleDicts(), s_name);
+}
 
 QStringList ZTComic::characterOids() const
 {
@@ -123,8 +139,9 @@ void ZTComic::updateArtists()
 
 void ZTComic::updateIssueNumberCountString()
 {
-    m_issueNumberCountString = ZTItemDerived::issueNumberCountString(
-        primitiveValueForKey(QStringLiteral("issueNumber")), primitiveValueForKey(QStringLiteral("issueCount")));
+    m_issueNumberCountString =
+        ZTItemDerived::issueNumberCountString(primitiveValueForKey(QStringLiteral("issueNumber")),
+                                              primitiveValueForKey(QStringLiteral("issueCount")));
 }
 
 void ZTComic::updateAttributes()
@@ -203,13 +220,15 @@ const ZTItem::AccessorTable &ZTComic::accessors() const
         t.insert(QStringLiteral("characterRoles"),
                  {&read<C, &C::characterRoles>, &writeList<C, &C::setCharacterRoleDicts>});
         t.insert(QStringLiteral("artists"), {&read<C, &C::artists>, &writeStrings<C, &C::setArtists>});
-        t.insert(QStringLiteral("characters"), {&read<C, &C::characters>, &writeStrings<C, &C::setCharacters>});
+        t.insert(QStringLiteral("characters"),
+                 {&read<C, &C::characters>, &writeStrings<C, &C::setCharacters>});
         t.insert(QStringLiteral("storyOids"), {&read<C, &C::storyOids>, nullptr});
         t.insert(QStringLiteral("artistRoleOids"), {&read<C, &C::artistRoleOids>, nullptr});
         t.insert(QStringLiteral("characterRoleOids"), {&read<C, &C::characterRoleOids>, nullptr});
         t.insert(QStringLiteral("artistOids"), {&read<C, &C::artistOids>, nullptr});
         t.insert(QStringLiteral("characterOids"), {&read<C, &C::characterOids>, nullptr});
-        t.insert(QStringLiteral("artistsByLastNameFirstName"), {&read<C, &C::artistsByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("artistsByLastNameFirstName"),
+                 {&read<C, &C::artistsByLastNameFirstName>, nullptr});
         t.insert(QStringLiteral("issueNumberCountString"), {&read<C, &C::issueNumberCountString>, nullptr});
         t.insert(QStringLiteral("firstCharacter"), {&readFirst<C, &C::characters>, nullptr});
         t.insert(QStringLiteral("firstArtistByLastNameFirstname"),

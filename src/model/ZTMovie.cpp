@@ -10,8 +10,8 @@ const QString s_directorEntity = QStringLiteral("ZTDirector");
 const QString s_name = QStringLiteral("name");
 const QString s_role = QStringLiteral("role");
 const ZTRoleEntity &s_roles = ZTRoleEntities::actor;
-const char *const s_ownKeys[] = {"asin", "upc", "audienceRating", "studio", "regionCode",
-                                 "aspectRatio", "numberOfMedia", "duration"};
+const char *const s_ownKeys[] = {"asin",       "upc",         "audienceRating", "studio",
+                                 "regionCode", "aspectRatio", "numberOfMedia",  "duration"};
 
 QStringList lastNamesFirst(const QStringList &names)
 {
@@ -22,9 +22,15 @@ QStringList lastNamesFirst(const QStringList &names)
 }
 } // namespace
 
-QStringList ZTMovie::itemCodeTypes() const { return {QStringLiteral("asin"), QStringLiteral("upc")}; }
+QStringList ZTMovie::itemCodeTypes() const
+{
+    return {QStringLiteral("asin"), QStringLiteral("upc")};
+}
 
-QStringList ZTMovie::directors() const { return namesForOids(m_directorOids, s_directorEntity); }
+QStringList ZTMovie::directors() const
+{
+    return namesForOids(m_directorOids, s_directorEntity);
+}
 void ZTMovie::setDirectors(const QStringList &names)
 {
     storeOidArray(m_directorOids, oidArrayForIncomingArray(names, s_directorEntity), s_directorData);
@@ -33,27 +39,38 @@ void ZTMovie::setDirectors(const QStringList &names)
 
 QVariantList ZTMovie::actorRoleDicts() const
 {
-    return roleDictsForOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+    return roleDictsForOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity),
+                            QLatin1String(s_roles.personKey));
 }
 
 void ZTMovie::setActorRoleDicts(const QVariantList &dicts)
 {
     storeOidArray(m_actorRoleOids,
-                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personEntity),
-                                       QLatin1String(s_roles.personKey), QLatin1String(s_roles.inverseKey),
-                                       MissingRole::LiteralNil),
+                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity),
+                                       QLatin1String(s_roles.personEntity), QLatin1String(s_roles.personKey),
+                                       QLatin1String(s_roles.inverseKey), MissingRole::LiteralNil),
                   s_actorRoleData);
     updateActorRoleArrays();
 }
 
 QStringList ZTMovie::actorOids() const
 {
-    return personOidsForRoleOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey));
+    return personOidsForRoleOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity),
+                                 QLatin1String(s_roles.personKey));
 }
-QStringList ZTMovie::actors() const { return stringsForArray(actorRoleDicts(), s_name); }
-QStringList ZTMovie::roles() const { return stringsForArray(actorRoleDicts(), s_role); }
+QStringList ZTMovie::actors() const
+{
+    return stringsForArray(actorRoleDicts(), s_name);
+}
+QStringList ZTMovie::roles() const
+{
+    return stringsForArray(actorRoleDicts(), s_role);
+}
 
-void ZTMovie::updateDirectorArrays() { m_directorsByLastNameFirstName = lastNamesFirst(directors()); }
+void ZTMovie::updateDirectorArrays()
+{
+    m_directorsByLastNameFirstName = lastNamesFirst(directors());
+}
 
 void ZTMovie::updateActorRoleArrays()
 {
@@ -134,14 +151,15 @@ const ZTItem::AccessorTable &ZTMovie::accessors() const
         t.insert(QStringLiteral("actorRoleDicts"),
                  {&read<M, &M::actorRoleDicts>, &writeList<M, &M::setActorRoleDicts>});
         // Lookups hand actors in as role maps under this key as well.
-        t.insert(QStringLiteral("actorRoles"), {&read<M, &M::actorRoles>, [](ZTItem &i, const QVariant &v) {
-                                                    QVariantList dicts;
-                                                    for (const QVariant &e : v.toList())
-                                                        dicts << (e.typeId() == QMetaType::QVariantMap
-                                                                      ? e
-                                                                      : QVariant(QVariantMap{{s_name, e.toString()}}));
-                                                    static_cast<M &>(i).setActorRoleDicts(dicts);
-                                                }});
+        t.insert(QStringLiteral("actorRoles"),
+                 {&read<M, &M::actorRoles>, [](ZTItem &i, const QVariant &v) {
+                      QVariantList dicts;
+                      for (const QVariant &e : v.toList())
+                          dicts << (e.typeId() == QMetaType::QVariantMap
+                                        ? e
+                                        : QVariant(QVariantMap{{s_name, e.toString()}}));
+                      static_cast<M &>(i).setActorRoleDicts(dicts);
+                  }});
         t.insert(QStringLiteral("actors"), {&read<M, &M::actors>, [](ZTItem &i, const QVariant &v) {
                                                 QVariantList dicts;
                                                 for (const QString &n : variantToStrings(v))
@@ -152,16 +170,21 @@ const ZTItem::AccessorTable &ZTMovie::accessors() const
         t.insert(QStringLiteral("directorOids"), {&read<M, &M::directorOids>, nullptr});
         t.insert(QStringLiteral("actorRoleOids"), {&read<M, &M::actorRoleOids>, nullptr});
         t.insert(QStringLiteral("actorOids"), {&read<M, &M::actorOids>, nullptr});
-        t.insert(QStringLiteral("directorsByLastNameFirstName"), {&read<M, &M::directorsByLastNameFirstName>, nullptr});
-        t.insert(QStringLiteral("actorsByLastNameFirstName"), {&read<M, &M::actorsByLastNameFirstName>, nullptr});
-        t.insert(QStringLiteral("rolesByLastNameFirstName"), {&read<M, &M::rolesByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("directorsByLastNameFirstName"),
+                 {&read<M, &M::directorsByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("actorsByLastNameFirstName"),
+                 {&read<M, &M::actorsByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("rolesByLastNameFirstName"),
+                 {&read<M, &M::rolesByLastNameFirstName>, nullptr});
         t.insert(QStringLiteral("firstDirector"), {&readFirst<M, &M::directors>, nullptr});
         t.insert(QStringLiteral("firstDirectorByLastNameFirstname"),
                  {&readFirst<M, &M::directorsByLastNameFirstName>, nullptr});
         t.insert(QStringLiteral("firstActor"), {&readFirst<M, &M::actors>, nullptr});
-        t.insert(QStringLiteral("firstActorByLastNameFirstname"), {&readFirst<M, &M::actorsByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("firstActorByLastNameFirstname"),
+                 {&readFirst<M, &M::actorsByLastNameFirstName>, nullptr});
         t.insert(QStringLiteral("firstRole"), {&readFirst<M, &M::roles>, nullptr});
-        t.insert(QStringLiteral("firstRoleByLastNameFirstname"), {&readFirst<M, &M::rolesByLastNameFirstName>, nullptr});
+        t.insert(QStringLiteral("firstRoleByLastNameFirstname"),
+                 {&readFirst<M, &M::rolesByLastNameFirstName>, nullptr});
         return t;
     }();
     return table;
