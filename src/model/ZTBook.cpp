@@ -55,7 +55,8 @@ void ZTBook::setAuthors(const QStringList &names)
 
 QStringList ZTBook::authors() const
 {
-    return stringsForArray(authorRoleDicts(), s_name);
+    return roleStringsForOids(m_authorRoleOids, QLatin1String(s_roles.roleEntity),
+                              QLatin1String(s_roles.personKey), RoleField::Name);
 }
 
 QStringList ZTBook::authorOids() const

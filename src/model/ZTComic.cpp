@@ -78,7 +78,8 @@ void ZTComic::setArtists(const QStringList &names)
 
 QStringList ZTComic::artists() const
 {
-    return stringsForArray(artistRoleDicts(), s_name);
+    return roleStringsForOids(m_artistRoleOids, QLatin1String(ZTRoleEntities::artist.roleEntity),
+                              QLatin1String(ZTRoleEntities::artist.personKey), RoleField::Name);
 }
 
 QStringList ZTComic::artistOids() const
@@ -109,7 +110,8 @@ void ZTComic::setCharacters(const QStringList &names)
 
 QStringList ZTComic::characters() const
 {
-    return stringsForArray(characterRoleDicts(), s_name);
+    return roleStringsForOids(m_characterRoleOids, QLatin1String(ZTRoleEntities::character.roleEntity),
+                              QLatin1String(ZTRoleEntities::character.personKey), RoleField::Name);
 }
 
 QStringList ZTComic::characterOids() const

@@ -483,6 +483,37 @@ QStringList ZTItem::personOidsForRoleOids(const QStringList &oids, const QString
     return result;
 }
 
+QStringList ZTItem::roleStringsForOids(const QStringList &oids, const QString &roleEntity,
+                                       const QString &personKey, RoleField field) const
+{
+    QStringList result;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context || oids.isEmpty())
+        return result;
+    const auto &tables = context->oidObjectDictionary();
+    const auto table = tables.constFind(roleEntity);
+    if (table == tables.constEnd())
+        return result;
+    // A memo keeps one key's slot per entity; the person key varies with the
+    // role entity, so only the fixed keys are memoised.
+    static thread_local ZTSlotMemo nameMemo, roleMemo;
+    for (const QString &oid : oids) {
+        const ZTManagedObject *row = table->value(oid, nullptr);
+        if (!row)
+            continue;
+        QString value;
+        if (field == RoleField::Role) {
+            value = row->primitiveValueForKey(s_role, roleMemo).toString();
+        } else if (const ZTManagedObject *person = row->toOneForKey(personKey)) {
+            value = person->primitiveValueForKey(s_name, nameMemo).toString();
+        }
+        if (value.trimmed().isEmpty() || result.contains(value))
+            continue;
+        result << value;
+    }
+    return result;
+}
+
 QStringList ZTItem::stringsForArray(const QVariantList &dicts, const QString &key)
 {
     QStringList result;

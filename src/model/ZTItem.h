@@ -165,6 +165,12 @@ public:
     QStringList personOidsForRoleOids(const QStringList &oids, const QString &roleEntity,
                                       const QString &personKey) const;
     static QStringList stringsForArray(const QVariantList &dicts, const QString &key);
+    // What stringsForArray(roleDictsForOids(...), name or role) gives, read
+    // straight from the rows: names are read for every item by the view's
+    // passes, imports and exports, and a map per row costs more than the read.
+    enum class RoleField { Name, Role };
+    QStringList roleStringsForOids(const QStringList &oids, const QString &roleEntity,
+                                   const QString &personKey, RoleField field) const;
     // A list of texts from whatever list-like value a dictionary holds.
     static QStringList variantToStrings(const QVariant &value);
 

@@ -60,11 +60,13 @@ QStringList ZTMovie::actorOids() const
 }
 QStringList ZTMovie::actors() const
 {
-    return stringsForArray(actorRoleDicts(), s_name);
+    return roleStringsForOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity),
+                              QLatin1String(s_roles.personKey), RoleField::Name);
 }
 QStringList ZTMovie::roles() const
 {
-    return stringsForArray(actorRoleDicts(), s_role);
+    return roleStringsForOids(m_actorRoleOids, QLatin1String(s_roles.roleEntity),
+                              QLatin1String(s_roles.personKey), RoleField::Role);
 }
 
 void ZTMovie::updateDirectorArrays()
