@@ -31,7 +31,8 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture(ZTMediaKind::Album);
         auto document = fixture.open();
-        ZTItem *album = document->addItemFromDictionary({{QStringLiteral("title"), QStringLiteral("Kind of Blue")}});
+        ZTItem *album =
+            document->addItemFromDictionary({{QStringLiteral("title"), QStringLiteral("Kind of Blue")}});
         QVERIFY(album);
         QCOMPARE(album->oid().size(), 36);
         QCOMPARE(album->oid(), album->oid().toLower());
@@ -63,46 +64,52 @@ private Q_SLOTS:
         QTest::addColumn<int>("kind");
         QTest::addColumn<QVariantMap>("map");
         QTest::newRow("book") << int(ZTMediaKind::Book)
-                              << QVariantMap{{QStringLiteral("title"), QStringLiteral("The Hobbit")},
-                                             {QStringLiteral("isbn"), QStringLiteral("0261102214")},
-                                             {QStringLiteral("pages"), 310},
-                                             {QStringLiteral("keywords"), QStringList{QStringLiteral("fantasy")}},
-                                             {QStringLiteral("locSubjects"), QStringList{QStringLiteral("Hobbits")}},
-                                             {QStringLiteral("authorRoleDicts"),
-                                              QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("J. R. R. Tolkien")},
-                                                                       {QStringLiteral("role"), QStringLiteral("Author")}}}},
-                                             {QStringLiteral("price"), 12.5},
-                                             {QStringLiteral("priceLocale"), QStringLiteral("GBP")},
-                                             {QStringLiteral("locale"), QStringLiteral("GB")},
-                                             {QStringLiteral("datePublished"), QStringLiteral("1937-09-21")},
-                                             {QStringLiteral("datePublishedBitFlag"), 0}};
-        QTest::newRow("album") << int(ZTMediaKind::Album)
-                               << QVariantMap{{QStringLiteral("title"), QStringLiteral("Blue Train")},
-                                              {QStringLiteral("upc"), QStringLiteral("724349532722")},
-                                              {QStringLiteral("artists"), QStringList{QStringLiteral("John Coltrane")}},
-                                              {QStringLiteral("tracks"),
-                                               QStringList{QStringLiteral("Blue Train"), QStringLiteral("Moment's Notice")}},
-                                              {QStringLiteral("label"), QStringLiteral("Blue Note")}};
+                              << QVariantMap{
+                                     {QStringLiteral("title"), QStringLiteral("The Hobbit")},
+                                     {QStringLiteral("isbn"), QStringLiteral("0261102214")},
+                                     {QStringLiteral("pages"), 310},
+                                     {QStringLiteral("keywords"), QStringList{QStringLiteral("fantasy")}},
+                                     {QStringLiteral("locSubjects"), QStringList{QStringLiteral("Hobbits")}},
+                                     {QStringLiteral("authorRoleDicts"),
+                                      QVariantList{QVariantMap{
+                                          {QStringLiteral("name"), QStringLiteral("J. R. R. Tolkien")},
+                                          {QStringLiteral("role"), QStringLiteral("Author")}}}},
+                                     {QStringLiteral("price"), 12.5},
+                                     {QStringLiteral("priceLocale"), QStringLiteral("GBP")},
+                                     {QStringLiteral("locale"), QStringLiteral("GB")},
+                                     {QStringLiteral("datePublished"), QStringLiteral("1937-09-21")},
+                                     {QStringLiteral("datePublishedBitFlag"), 0}};
+        QTest::newRow("album")
+            << int(ZTMediaKind::Album)
+            << QVariantMap{{QStringLiteral("title"), QStringLiteral("Blue Train")},
+                           {QStringLiteral("upc"), QStringLiteral("724349532722")},
+                           {QStringLiteral("artists"), QStringList{QStringLiteral("John Coltrane")}},
+                           {QStringLiteral("tracks"),
+                            QStringList{QStringLiteral("Blue Train"), QStringLiteral("Moment's Notice")}},
+                           {QStringLiteral("label"), QStringLiteral("Blue Note")}};
         QTest::newRow("movie") << int(ZTMediaKind::Movie)
                                << QVariantMap{{QStringLiteral("title"), QStringLiteral("Metropolis")},
-                                              {QStringLiteral("directors"), QStringList{QStringLiteral("Fritz Lang")}},
+                                              {QStringLiteral("directors"),
+                                               QStringList{QStringLiteral("Fritz Lang")}},
                                               {QStringLiteral("actorRoleDicts"),
-                                               QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Brigitte Helm")},
-                                                                        {QStringLiteral("role"), QStringLiteral("Maria")}}}},
+                                               QVariantList{QVariantMap{
+                                                   {QStringLiteral("name"), QStringLiteral("Brigitte Helm")},
+                                                   {QStringLiteral("role"), QStringLiteral("Maria")}}}},
                                               {QStringLiteral("duration"), 153},
                                               {QStringLiteral("studio"), QStringLiteral("UFA")}};
-        QTest::newRow("comic") << int(ZTMediaKind::Comic)
-                               << QVariantMap{{QStringLiteral("title"), QStringLiteral("Little Nemo")},
-                                              {QStringLiteral("issueNumber"), 3},
-                                              {QStringLiteral("issueCount"), 12},
-                                              {QStringLiteral("stories"), QStringList{QStringLiteral("Slumberland")}},
-                                              {QStringLiteral("artistRoleDicts"),
-                                               QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Winsor McCay")},
-                                                                        {QStringLiteral("role"), QStringLiteral("Artist")}}}},
-                                              {QStringLiteral("characterRoleDicts"),
-                                               QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Nemo")},
-                                                                        {QStringLiteral("role"), QString()}}}},
-                                              {QStringLiteral("gcdn"), QStringLiteral("12345")}};
+        QTest::newRow("comic")
+            << int(ZTMediaKind::Comic)
+            << QVariantMap{{QStringLiteral("title"), QStringLiteral("Little Nemo")},
+                           {QStringLiteral("issueNumber"), 3},
+                           {QStringLiteral("issueCount"), 12},
+                           {QStringLiteral("stories"), QStringList{QStringLiteral("Slumberland")}},
+                           {QStringLiteral("artistRoleDicts"),
+                            QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Winsor McCay")},
+                                                     {QStringLiteral("role"), QStringLiteral("Artist")}}}},
+                           {QStringLiteral("characterRoleDicts"),
+                            QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Nemo")},
+                                                     {QStringLiteral("role"), QString()}}}},
+                           {QStringLiteral("gcdn"), QStringLiteral("12345")}};
     }
     void dictionaryFormSurvivesSaveAndReopen()
     {
@@ -125,9 +132,12 @@ private Q_SLOTS:
         QCOMPARE(after.keys(), before.keys());
         for (auto it = map.constBegin(); it != map.constEnd(); ++it) {
             if (it.key().startsWith(QLatin1String("date")))
-                QCOMPARE(after.value(it.key()).toDateTime().toLocalTime().date(), QDate::fromString(it.value().toString(), Qt::ISODate));
+                QCOMPARE(after.value(it.key()).toDateTime().toLocalTime().date(),
+                         QDate::fromString(it.value().toString(), Qt::ISODate));
             else
-                QCOMPARE(after.value(it.key()), QVariant(it.value()).typeId() == QMetaType::QStringList ? QVariant(it.value().toStringList()) : after.value(it.key()));
+                QCOMPARE(after.value(it.key()), QVariant(it.value()).typeId() == QMetaType::QStringList
+                                                    ? QVariant(it.value().toStringList())
+                                                    : after.value(it.key()));
         }
         QCOMPARE(after, before);
         // A reopened item takes the same dictionary back without change.
@@ -139,14 +149,18 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture;
         auto document = fixture.open();
-        ZTBook *a = newBook(*document, {{QStringLiteral("keywords"),
-                                         QStringList{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("  ")}}});
+        ZTBook *a =
+            newBook(*document,
+                    {{QStringLiteral("keywords"), QStringList{QStringLiteral("b"), QStringLiteral("a"),
+                                                              QStringLiteral("b"), QStringLiteral("  ")}}});
         QCOMPARE(a->keywords(), (QStringList{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("b")}));
         QCOMPARE(a->keywordOids().size(), 3);
         QCOMPARE(a->keywordOids()[0], a->keywordOids()[2]);
         ZTBook *b = newBook(*document, {{QStringLiteral("keywords"), QStringList{QStringLiteral("a")}}});
         QCOMPARE(b->keywordOids().first(), a->keywordOids()[1]);
-        QCOMPARE(document->managedObjectContext()->oidObjectDictionary().value(QStringLiteral("ZTKeyword")).size(), 2);
+        QCOMPARE(
+            document->managedObjectContext()->oidObjectDictionary().value(QStringLiteral("ZTKeyword")).size(),
+            2);
     }
 
     void missingRolesDifferByKind()
@@ -162,17 +176,45 @@ private Q_SLOTS:
 
         ZTLibraryFixture movies(ZTMediaKind::Movie);
         auto movieDocument = movies.open();
-        auto *m1 = static_cast<ZTMovie *>(movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), noRole}}));
-        auto *m2 = static_cast<ZTMovie *>(movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), noRole}}));
+        auto *m1 = static_cast<ZTMovie *>(
+            movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), noRole}}));
+        auto *m2 = static_cast<ZTMovie *>(
+            movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), noRole}}));
         // A movie looks a missing role up as "nil", so each such entry makes a new row …
         QVERIFY(m1->actorRoleOids() != m2->actorRoleOids());
         // … but the person is shared.
         QCOMPARE(m1->actorOids(), m2->actorOids());
         const QVariantList withRole{QVariantMap{{QStringLiteral("name"), QStringLiteral("Ann Actor")},
                                                 {QStringLiteral("role"), QStringLiteral("Han Solo")}}};
-        auto *m3 = static_cast<ZTMovie *>(movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), withRole}}));
-        auto *m4 = static_cast<ZTMovie *>(movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), withRole}}));
+        auto *m3 = static_cast<ZTMovie *>(
+            movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), withRole}}));
+        auto *m4 = static_cast<ZTMovie *>(
+            movieDocument->addItemFromDictionary({{QStringLiteral("actorRoleDicts"), withRole}}));
         QCOMPARE(m3->actorRoleOids(), m4->actorRoleOids());
+    }
+
+    void roleNameListsSkipBlanksAndRepeats()
+    {
+        ZTLibraryFixture fixture(ZTMediaKind::Movie);
+        auto document = fixture.open();
+        auto entry = [](const QString &name, const QString &role) {
+            return QVariantMap{{QStringLiteral("name"), name}, {QStringLiteral("role"), role}};
+        };
+        // A person twice under two roles, a blank name, a blank role, a role twice.
+        const QVariantList cast{entry("Ann", "Queen"), entry("  ", "Guard"), entry("Bo", "King"),
+                                entry("Ann", "Witch"), entry("Cy", ""),      entry("Di", "King")};
+        auto *movie = static_cast<ZTMovie *>(document->addItemFromDictionary({{"actorRoleDicts", cast}}));
+        QCOMPARE(movie->actors(), QStringList({"Ann", "Bo", "Cy", "Di"}));
+        // An entry without a name is never stored, so its role goes with it.
+        QCOMPARE(movie->roles(), QStringList({"Queen", "King", "Witch"}));
+        // The lists agree with what the role maps say, entry for entry.
+        QCOMPARE(movie->actors(), ZTItem::stringsForArray(movie->actorRoleDicts(), "name"));
+        QCOMPARE(movie->roles(), ZTItem::stringsForArray(movie->actorRoleDicts(), "role"));
+        QVERIFY(document->saveDocument());
+        auto reopened = fixture.open();
+        auto *read = static_cast<ZTMovie *>(reopened->itemForOid(movie->oid()));
+        QVERIFY(read);
+        QCOMPARE(read->actors(), QStringList({"Ann", "Bo", "Cy", "Di"}));
     }
 
     void plainAuthorNamesBecomeRolesThroughTheDictionary()
@@ -180,7 +222,8 @@ private Q_SLOTS:
         ZTLibraryFixture fixture;
         auto document = fixture.open();
         ZTBook *book = newBook(*document);
-        book->handleDictionary({{QStringLiteral("authors"), QStringList{QStringLiteral("Ann"), QStringLiteral("Bo")}}});
+        book->handleDictionary(
+            {{QStringLiteral("authors"), QStringList{QStringLiteral("Ann"), QStringLiteral("Bo")}}});
         const QVariantList dicts = book->authorRoleDicts();
         QCOMPARE(dicts.size(), 2);
         QCOMPARE(dicts[1].toMap().value(QStringLiteral("name")).toString(), QStringLiteral("Bo"));
@@ -200,8 +243,10 @@ private Q_SLOTS:
         ZTBook *copy = newBook(*document);
         copy->handleDictionary(form);
         QVERIFY(!copy->valueForKey(QStringLiteral("imageSmallUrl")).isValid());
-        QCOMPARE(copy->valueForKey(QStringLiteral("imageMediumUrl")).toString(), QStringLiteral("http://x/m.jpg"));
-        QCOMPARE(copy->valueForKey(QStringLiteral("imageLargeUrl")).toString(), QStringLiteral("http://x/l.jpg"));
+        QCOMPARE(copy->valueForKey(QStringLiteral("imageMediumUrl")).toString(),
+                 QStringLiteral("http://x/m.jpg"));
+        QCOMPARE(copy->valueForKey(QStringLiteral("imageLargeUrl")).toString(),
+                 QStringLiteral("http://x/l.jpg"));
         // A date used makes the item used.
         copy->handleDictionary({{QStringLiteral("dateUsed"), QDate(2020, 5, 1)}});
         QVERIFY(copy->isUsed());
@@ -215,11 +260,12 @@ private Q_SLOTS:
                                            {QStringLiteral("isbn"), QStringLiteral("0306406152")}});
         const QDateTime modified = QDateTime::currentDateTimeUtc().addDays(-3);
         book->setPrimitiveValueForKey(modified, QStringLiteral("dateModified"));
-        QVERIFY(!book->takeAttributesFromDictionary(
-            {{QStringLiteral("title"), QStringLiteral("The Title")}, {QStringLiteral("isbn"), QStringLiteral("0306406152")}}));
+        QVERIFY(
+            !book->takeAttributesFromDictionary({{QStringLiteral("title"), QStringLiteral("The Title")},
+                                                 {QStringLiteral("isbn"), QStringLiteral("0306406152")}}));
         QCOMPARE(book->valueForKey(QStringLiteral("dateModified")).toDateTime(), modified);
-        QVERIFY(book->takeAttributesFromDictionary(
-            {{QStringLiteral("title"), QStringLiteral("A Title")}, {QStringLiteral("isbn"), QStringLiteral("0306406152")}}));
+        QVERIFY(book->takeAttributesFromDictionary({{QStringLiteral("title"), QStringLiteral("A Title")},
+                                                    {QStringLiteral("isbn"), QStringLiteral("0306406152")}}));
         QVERIFY(book->valueForKey(QStringLiteral("dateModified")).toDateTime() > modified);
     }
 
@@ -257,7 +303,8 @@ private Q_SLOTS:
         QCOMPARE(book->coverImage()->primitiveValueForKey(QStringLiteral("width")).toInt(), 20);
         const QString first = result.value(QStringLiteral("newImageFilename")).toString();
         // Unknown type and address: re-encoded as JPEG; the old name is handed back.
-        result = book->handleImage({}, zt_pngBytes(8, 8), QStringLiteral("http://x/cover"), QStringLiteral("WEBP"), true);
+        result = book->handleImage({}, zt_pngBytes(8, 8), QStringLiteral("http://x/cover"),
+                                   QStringLiteral("WEBP"), true);
         QCOMPARE(result.value(QStringLiteral("oldImageFilename")).toString(), first);
         QCOMPARE(book->coverImage()->format(), QStringLiteral("JPEG"));
         QVERIFY(result.value(QStringLiteral("newImageData")).toByteArray().startsWith("\xff\xd8"));
@@ -319,23 +366,26 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture;
         auto document = fixture.open();
-        ZTBook *book = newBook(*document, {{QStringLiteral("title"), QStringLiteral("\"The Hobbit\"")},
-                                           {QStringLiteral("volumeNumber"), QStringLiteral("Vol. 12")},
-                                           {QStringLiteral("locClassification"), QStringLiteral("QA76.73")},
-                                           {QStringLiteral("datePublished"), QDate(1937, 9, 21)},
-                                           {QStringLiteral("authorRoleDicts"),
-                                            QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Ann Smith")},
-                                                                     {QStringLiteral("role"), QStringLiteral("Editor")}},
-                                                         QVariantMap{{QStringLiteral("name"), QStringLiteral("Acme Corp")},
-                                                                     {QStringLiteral("role"), QStringLiteral("ent.")}}}}});
+        ZTBook *book = newBook(
+            *document, {{QStringLiteral("title"), QStringLiteral("\"The Hobbit\"")},
+                        {QStringLiteral("volumeNumber"), QStringLiteral("Vol. 12")},
+                        {QStringLiteral("locClassification"), QStringLiteral("QA76.73")},
+                        {QStringLiteral("datePublished"), QDate(1937, 9, 21)},
+                        {QStringLiteral("authorRoleDicts"),
+                         QVariantList{QVariantMap{{QStringLiteral("name"), QStringLiteral("Ann Smith")},
+                                                  {QStringLiteral("role"), QStringLiteral("Editor")}},
+                                      QVariantMap{{QStringLiteral("name"), QStringLiteral("Acme Corp")},
+                                                  {QStringLiteral("role"), QStringLiteral("ent.")}}}}});
         QCOMPARE(book->titleWithoutLeadingArticle(), QStringLiteral("Hobbit"));
         QCOMPARE(book->volumeNumberSortable(), QStringLiteral("000012Vol. "));
         QCOMPARE(book->locClassificationSortable(), QStringLiteral("QA 0076 .73"));
         QCOMPARE(book->year().toInt(), 1937);
-        QCOMPARE(book->authorsWithTypes(), (QStringList{QStringLiteral("Ann Smith (Editor)"), QStringLiteral("Acme Corp")}));
+        QCOMPARE(book->authorsWithTypes(),
+                 (QStringList{QStringLiteral("Ann Smith (Editor)"), QStringLiteral("Acme Corp")}));
         QCOMPARE(book->authorsWithTypesByLastNameFirstName(),
                  (QStringList{QStringLiteral("Smith, Ann (Editor)"), QStringLiteral("Acme Corp")}));
-        QCOMPARE(book->valueForKey(QStringLiteral("firstAuthorByLastNameFirstname")).toString(), QStringLiteral("Smith, Ann"));
+        QCOMPARE(book->valueForKey(QStringLiteral("firstAuthorByLastNameFirstname")).toString(),
+                 QStringLiteral("Smith, Ann"));
         // A volume without numeral or digit keeps the previous key.
         book->takeAttributesFromDictionary({{QStringLiteral("volumeNumber"), QStringLiteral("two")}});
         QCOMPARE(book->volumeNumberSortable(), QStringLiteral("000012Vol. "));
@@ -364,7 +414,8 @@ private Q_SLOTS:
         QVERIFY(comic->indexedString().contains(QStringLiteral("Flip")));
         const QVariantList links = comic->urlDictionariesWithAssociateTag({});
         QVERIFY(!links.isEmpty());
-        QVERIFY(links.first().toMap().value(QStringLiteral("url")).toString().contains(QStringLiteral("4711")));
+        QVERIFY(
+            links.first().toMap().value(QStringLiteral("url")).toString().contains(QStringLiteral("4711")));
     }
 
     void displayLabelsMapToKeysByKind()
@@ -373,14 +424,16 @@ private Q_SLOTS:
                                   {QStringLiteral("Date Read"), QDate(2020, 1, 2)},
                                   {QStringLiteral("Authors"), QStringList{QStringLiteral("Frank Herbert")}},
                                   {QStringLiteral("Directors"), QStringList{QStringLiteral("David Lynch")}}};
-        const QVariantMap book = ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Book, display, QStringLiteral("EUR"));
+        const QVariantMap book =
+            ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Book, display, QStringLiteral("EUR"));
         QCOMPARE(book.value(QStringLiteral("title")).toString(), QStringLiteral("Dune"));
         QVERIFY(book.contains(QStringLiteral("dateUsed")));
         QVERIFY(book.contains(QStringLiteral("authors")));
         QVERIFY(!book.contains(QStringLiteral("directors")));
         QCOMPARE(book.value(QStringLiteral("priceLocale")).toString(), QStringLiteral("EUR"));
         QCOMPARE(book.value(QStringLiteral("lockedFlag")).toInt(), 0);
-        const QVariantMap movie = ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Movie, display, QStringLiteral("USD"));
+        const QVariantMap movie =
+            ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Movie, display, QStringLiteral("USD"));
         QVERIFY(movie.contains(QStringLiteral("directors")));
         QVERIFY(!movie.contains(QStringLiteral("dateUsed"))); // a movie's is "Date Viewed"
         ZTLibraryFixture fixture;
@@ -398,8 +451,9 @@ private Q_SLOTS:
         QString oid;
         {
             auto document = fixture.open();
-            ZTBook *book = newBook(*document, {{QStringLiteral("title"), QStringLiteral("x")},
-                                               {QStringLiteral("keywords"), QStringList{QStringLiteral("k")}}});
+            ZTBook *book =
+                newBook(*document, {{QStringLiteral("title"), QStringLiteral("x")},
+                                    {QStringLiteral("keywords"), QStringList{QStringLiteral("k")}}});
             oid = book->oid();
             QVERIFY(document->saveDocument());
             book->setPrimitiveValueForKey(QByteArray("bplist00garbage"), QStringLiteral("toKeywordData"));
