@@ -21,11 +21,30 @@ namespace {
 // hold it. Rows stand for oids until the result is written, which keeps the
 // pass over a large list to integer appends. The blank marker is tallied
 // apart so it never joins the values.
+// The rows that hold one value, or only how many of them when no oid table
+// is asked for: the counts alone are a fraction of the memory.
+struct RowSet {
+    std::vector<int> rows;
+    qsizetype size = 0;
+    void add(int row, bool keep)
+    {
+        ++size;
+        if (keep)
+            rows.push_back(row);
+    }
+    void append(const RowSet &later)
+    {
+        size += later.size;
+        rows.insert(rows.end(), later.rows.begin(), later.rows.end());
+    }
+};
+
 struct Column {
+    bool keepRows = true;
     QHash<QString, int> index;
     QStringList values;
-    std::vector<std::vector<int>> rows;
-    std::vector<int> blankRows;
+    std::vector<RowSet> rows;
+    RowSet blankRows;
     bool hasBlank = false;
     QHash<qint64, int> integerIndex;
 
@@ -40,7 +59,7 @@ struct Column {
         rows.emplace_back();
         return i;
     }
-    void count(const QString &value, int row) { rows[size_t(indexOf(value))].push_back(row); }
+    void count(const QString &value, int row) { rows[size_t(indexOf(value))].add(row, keepRows); }
 
     // The store keeps one copy of a text repeated down a column, so most rows
     // can be counted by where their characters lie, without hashing or
@@ -63,7 +82,7 @@ struct Column {
         auto it = byAddress.constFind(value.constData());
         // The same characters at the same address and of the same length are the same text.
         if (it != byAddress.constEnd() && values[*it].size() == value.size()) {
-            rows[size_t(*it)].push_back(row);
+            rows[size_t(*it)].add(row, keepRows);
             return;
         }
         ++addressMisses;
@@ -77,14 +96,14 @@ struct Column {
         const int i = indexOf(value);
         byAddress.insert(value.constData(), i);
         pinned.push_back(value);
-        rows[size_t(i)].push_back(row);
+        rows[size_t(i)].add(row, keepRows);
     }
     // Whole numbers skip making their text for every item: it is made once per value.
     void countInteger(qint64 number, int row)
     {
         auto it = integerIndex.constFind(number);
         if (it != integerIndex.constEnd()) {
-            rows[size_t(*it)].push_back(row);
+            rows[size_t(*it)].add(row, keepRows);
             return;
         }
         const QString text = QString::number(number);
@@ -94,7 +113,7 @@ struct Column {
     void countBlank(int row)
     {
         hasBlank = true;
-        blankRows.push_back(row);
+        blankRows.add(row, keepRows);
     }
     // Joins the tally of the rows after this one's: first-seen order and row
     // order both carry over.
@@ -112,11 +131,10 @@ struct Column {
             } else {
                 at = *it;
             }
-            std::vector<int> &mine = rows[size_t(at)];
-            mine.insert(mine.end(), later.rows[i].begin(), later.rows[i].end());
+            rows[size_t(at)].append(later.rows[i]);
         }
         hasBlank = hasBlank || later.hasBlank;
-        blankRows.insert(blankRows.end(), later.blankRows.begin(), later.blankRows.end());
+        blankRows.append(later.blankRows);
     }
 };
 
@@ -189,6 +207,9 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             column.index = {{yes, 0}, {no, 1}};
             column.rows.resize(2);
         }
+        for (std::vector<Column> *columns : {&tally.strings, &tally.arrays, &tally.numbers, &tally.booleans})
+            for (Column &column : *columns)
+                column.keepRows = withOids;
         return tally;
     };
     auto count = [&](Tally &tally, int from, int to) {
@@ -258,7 +279,7 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             for (int k = 0; k < booleanReaders.size(); ++k) {
                 const BooleanReader reader = booleanReaders[k];
                 const bool set = reader ? (item->*reader)() : booleanValueReaders[k].read(*item).toBool();
-                tally.booleans[size_t(k)].rows[set ? 0 : 1].push_back(row);
+                tally.booleans[size_t(k)].rows[set ? 0 : 1].add(row, withOids);
             }
             // Only an item on loan has a borrower.
             if (item->isLentOut()) {
@@ -320,15 +341,15 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         QVariantMap counts;
         QVariantMap oids;
         for (const QString &value : sorted) {
-            const std::vector<int> &rows = column.rows[size_t(column.index.value(value))];
-            counts.insert(value, QString::number(rows.size()));
+            const RowSet &rows = column.rows[size_t(column.index.value(value))];
+            counts.insert(value, QString::number(rows.size));
             if (withOids)
-                oids.insert(value, oidsAt(rows));
+                oids.insert(value, oidsAt(rows.rows));
         }
         if (column.hasBlank) {
-            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size()));
+            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size));
             if (withOids)
-                oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows));
+                oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows.rows));
         }
         result.insert(key, sorted);
         countTable.insert(key, counts);
