@@ -99,7 +99,8 @@ void ZTBook::buildAuthorArrays() const
 {
     if (m_authorArraysBuilt)
         return;
-    const ZTItemText::AuthorArrays arrays = ZTItemText::authorArrays(authorRoleDicts());
+    const ZTItemText::AuthorArrays arrays = ZTItemText::authorArrays(roleEntriesForOids(
+        m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey)));
     m_authorsWithTypes = arrays.authorsWithTypes;
     m_authorsWithTypesByLastNameFirstName = arrays.authorsWithTypesByLastNameFirstName;
     m_authorArraysBuilt = true;

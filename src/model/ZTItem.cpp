@@ -483,10 +483,10 @@ QStringList ZTItem::personOidsForRoleOids(const QStringList &oids, const QString
     return result;
 }
 
-QStringList ZTItem::roleStringsForOids(const QStringList &oids, const QString &roleEntity,
-                                       const QString &personKey, RoleField field) const
+QList<ZTItemText::NameAndRole> ZTItem::roleEntriesForOids(const QStringList &oids, const QString &roleEntity,
+                                                          const QString &personKey) const
 {
-    QStringList result;
+    QList<ZTItemText::NameAndRole> result;
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context || oids.isEmpty())
         return result;
@@ -497,16 +497,24 @@ QStringList ZTItem::roleStringsForOids(const QStringList &oids, const QString &r
     // A memo keeps one key's slot per entity; the person key varies with the
     // role entity, so only the fixed keys are memoised.
     static thread_local ZTSlotMemo nameMemo, roleMemo;
+    result.reserve(oids.size());
     for (const QString &oid : oids) {
         const ZTManagedObject *row = table->value(oid, nullptr);
         if (!row)
             continue;
-        QString value;
-        if (field == RoleField::Role) {
-            value = row->primitiveValueForKey(s_role, roleMemo).toString();
-        } else if (const ZTManagedObject *person = row->toOneForKey(personKey)) {
-            value = person->primitiveValueForKey(s_name, nameMemo).toString();
-        }
+        const ZTManagedObject *person = row->toOneForKey(personKey);
+        result.append({person ? person->primitiveValueForKey(s_name, nameMemo).toString() : QString(),
+                       row->primitiveValueForKey(s_role, roleMemo).toString()});
+    }
+    return result;
+}
+
+QStringList ZTItem::roleStringsForOids(const QStringList &oids, const QString &roleEntity,
+                                       const QString &personKey, RoleField field) const
+{
+    QStringList result;
+    for (const ZTItemText::NameAndRole &entry : roleEntriesForOids(oids, roleEntity, personKey)) {
+        const QString &value = field == RoleField::Role ? entry.role : entry.name;
         if (value.trimmed().isEmpty() || result.contains(value))
             continue;
         result << value;

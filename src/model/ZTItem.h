@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/ZTItemText.h"
 #include "model/ZTMediaKind.h"
 #include "store/ZTManagedObject.h"
 
@@ -169,6 +170,9 @@ public:
     // straight from the rows: names are read for every item by the view's
     // passes, imports and exports, and a map per row costs more than the read.
     enum class RoleField { Name, Role };
+    // The name and role of each role row, in order, as roleDictsForOids has them.
+    QList<ZTItemText::NameAndRole> roleEntriesForOids(const QStringList &oids, const QString &roleEntity,
+                                                      const QString &personKey) const;
     QStringList roleStringsForOids(const QStringList &oids, const QString &roleEntity,
                                    const QString &personKey, RoleField field) const;
     // A list of texts from whatever list-like value a dictionary holds.

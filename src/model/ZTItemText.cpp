@@ -1,6 +1,7 @@
 #include "model/ZTItemText.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QSet>
 
 namespace ZTItemText {
@@ -152,27 +153,54 @@ QStringList lastNameFirstArray(const QStringList &names)
 
 AuthorArrays authorArrays(const QVariantList &authorRoleDicts)
 {
-    AuthorArrays arrays;
+    QList<NameAndRole> authors;
+    authors.reserve(authorRoleDicts.size());
     for (const QVariant &entry : authorRoleDicts) {
         const QVariantMap map = entry.toMap();
-        const QString name = map.value(QStringLiteral("name")).toString().trimmed();
-        const QString role = map.value(QStringLiteral("role")).toString().trimmed();
-        if (role == CorporateAuthorRole) {
-            // A corporate body has no first and last name to swap, and its
-            // role says nothing a reader needs to see.
-            arrays.authorsWithTypes.append(name);
-            arrays.authorsWithTypesByLastNameFirstName.append(name);
-            continue;
+        authors.append(
+            {map.value(QStringLiteral("name")).toString(), map.value(QStringLiteral("role")).toString()});
+    }
+    return authorArrays(authors);
+}
+
+AuthorArrays authorArrays(const QList<NameAndRole> &authors)
+{
+    // Books share their authors: a name and role met before gives the forms
+    // made then, which also lets the books share those texts in memory. Each
+    // thread keeps its own, bounded, memo.
+    struct Forms {
+        QString plain;
+        QString sorted;
+    };
+    thread_local QHash<QString, Forms> memo;
+    if (memo.size() > 100000)
+        memo.clear();
+    AuthorArrays arrays;
+    arrays.authorsWithTypes.reserve(authors.size());
+    arrays.authorsWithTypesByLastNameFirstName.reserve(authors.size());
+    for (const NameAndRole &author : authors) {
+        const QString key = author.name + QChar(0x1F) + author.role;
+        auto known = memo.constFind(key);
+        if (known == memo.constEnd()) {
+            const QString name = author.name.trimmed();
+            const QString role = author.role.trimmed();
+            Forms forms;
+            if (role == CorporateAuthorRole) {
+                // A corporate body has no first and last name to swap, and its
+                // role says nothing a reader needs to see.
+                forms = {name, name};
+            } else {
+                forms = {name, lastNameFirst(name)};
+                if (!role.isEmpty()) {
+                    const QString suffix = QStringLiteral(" (") + localizedRole(role) + QStringLiteral(")");
+                    forms.plain += suffix;
+                    forms.sorted += suffix;
+                }
+            }
+            known = memo.insert(key, forms);
         }
-        QString plain = name;
-        QString sorted = lastNameFirst(name);
-        if (!role.isEmpty()) {
-            const QString suffix = QStringLiteral(" (") + localizedRole(role) + QStringLiteral(")");
-            plain += suffix;
-            sorted += suffix;
-        }
-        arrays.authorsWithTypes.append(plain);
-        arrays.authorsWithTypesByLastNameFirstName.append(sorted);
+        arrays.authorsWithTypes.append(known->plain);
+        arrays.authorsWithTypesByLastNameFirstName.append(known->sorted);
     }
     return arrays;
 }

@@ -39,6 +39,12 @@ struct AuthorArrays {
 // Builds the display and sort forms of a book's authors from its role maps
 // (keys "name" and "role"); a role is shown localised in parentheses.
 AuthorArrays authorArrays(const QVariantList &authorRoleDicts);
+// The same from the names and roles themselves, in order.
+struct NameAndRole {
+    QString name;
+    QString role;
+};
+AuthorArrays authorArrays(const QList<NameAndRole> &authors);
 
 // The values at key ("name" or "role") of an array of maps, leaving out blanks
 // and exact duplicates, in first-seen order.
