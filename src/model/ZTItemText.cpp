@@ -179,7 +179,9 @@ AuthorArrays authorArrays(const QList<NameAndRole> &authors)
     arrays.authorsWithTypes.reserve(authors.size());
     arrays.authorsWithTypesByLastNameFirstName.reserve(authors.size());
     for (const NameAndRole &author : authors) {
-        const QString key = author.name + QChar(0x1F) + author.role;
+        // The name's length first keeps any name and role apart from any other pair.
+        const QString key =
+            QString::number(author.name.size()) + QLatin1Char(':') + author.name + author.role;
         auto known = memo.constFind(key);
         if (known == memo.constEnd()) {
             const QString name = author.name.trimmed();

@@ -188,6 +188,14 @@ private Q_SLOTS:
         QCOMPARE(arrays.authorsWithTypesByLastNameFirstName,
                  (QStringList{"Austen, Jane", "Grossman, Edith (Translator)", "Library of Congress", "Homer",
                               ""}));
+        // Forms met before come back the same, and pairs whose texts run
+        // together the same way stay apart.
+        QCOMPARE(ZTItemText::authorArrays(dicts).authorsWithTypesByLastNameFirstName,
+                 arrays.authorsWithTypesByLastNameFirstName);
+        const QList<ZTItemText::NameAndRole> alike{
+            {"Ann Lee", "Editor"}, {"Ann LeeEditor", ""}, {"Ann Lee", ""}};
+        QCOMPARE(ZTItemText::authorArrays(alike).authorsWithTypes,
+                 (QStringList{"Ann Lee (Editor)", "Ann LeeEditor", "Ann Lee"}));
     }
 
     void stringsForArray()
