@@ -35,14 +35,23 @@ double cpuMilliseconds()
     return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
 }
 
+// The passes that split a long list in two run the second half on a helper
+// thread, whose time this thread's clock does not see: the wall clock is
+// printed beside it, and is the figure a user feels when both cores are free.
 class CpuTimer {
 public:
-    void start() { m_start = cpuMilliseconds(); }
+    void start()
+    {
+        m_start = cpuMilliseconds();
+        m_wall.start();
+    }
     void restart() { start(); }
     double elapsed() const { return cpuMilliseconds() - m_start; }
+    double wall() const { return double(m_wall.nsecsElapsed()) / 1e6; }
 
 private:
     double m_start = 0;
+    QElapsedTimer m_wall;
 };
 
 double milliseconds(const CpuTimer &timer)
@@ -193,10 +202,11 @@ int main(int argc, char **argv)
     }
     timer.restart();
     pipeline.updateMainCaches();
-    std::printf("updateMainCaches: %.1f ms (target < 150 ms)\n", milliseconds(timer));
+    std::printf("updateMainCaches: %.1f ms, wall %.1f ms (target < 150 ms)\n", milliseconds(timer),
+                timer.wall());
     timer.restart();
     pipeline.updateMainCaches();
-    std::printf("updateMainCaches, again: %.1f ms\n", milliseconds(timer));
+    std::printf("updateMainCaches, again: %.1f ms, wall %.1f ms\n", milliseconds(timer), timer.wall());
 
     timer.restart();
     pipeline.controlTextDidChange(QStringLiteral("ka"));
@@ -231,8 +241,10 @@ int main(int argc, char **argv)
                                      {QStringLiteral("titleWithoutLeadingArticle"), true, 2}};
     timer.restart();
     ZTItemSorting::sortOids(*document, sorted, entries);
-    std::printf("three-key sort (genre, year descending, title) of %lld items: %.1f ms (target < 200 ms)\n",
-                qlonglong(sorted.size()), milliseconds(timer));
+    std::printf(
+        "three-key sort (genre, year descending, title) of %lld items: %.1f ms, wall %.1f ms (target < "
+        "200 ms)\n",
+        qlonglong(sorted.size()), milliseconds(timer), timer.wall());
 
     timer.restart();
     pipeline.updateItemStatistics();
