@@ -11,8 +11,7 @@ ZTManagedObject *byCode(const QString &entity, const QString &code, ZTManagedObj
 {
     if (!context || code.isNull())
         return nullptr;
-    const QList<ZTManagedObject *> rows = context->fetch(entity, s_code, code);
-    return rows.isEmpty() ? nullptr : rows.first();
+    return context->firstObjectWithText(entity, s_code, code);
 }
 
 // The default rows are looked up once per process; the identity found first is
@@ -65,7 +64,8 @@ ZTManagedObject *ZTPriceLocale::defaultPricePaidLocaleInManagedObjectContext(ZTM
     return rememberedRow(remembered, QStringLiteral("ZTPriceLocale"), QStringLiteral("USD"), context);
 }
 
-ZTManagedObject *ZTPriceLocale::priceLocaleForPriceLocaleCode(const QString &code, ZTManagedObjectContext *context)
+ZTManagedObject *ZTPriceLocale::priceLocaleForPriceLocaleCode(const QString &code,
+                                                              ZTManagedObjectContext *context)
 {
     return byCode(QStringLiteral("ZTPriceLocale"), code, context);
 }

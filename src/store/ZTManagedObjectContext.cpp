@@ -163,6 +163,24 @@ QList<ZTManagedObject *> ZTManagedObjectContext::fetch(const QString &entityName
     return result;
 }
 
+ZTManagedObject *ZTManagedObjectContext::firstObjectWithText(const QString &entityName, const QString &key,
+                                                             const QString &text) const
+{
+    const QString memoKey = entityName + QChar(0x1F) + key + QChar(0x1F) + text;
+    if (ZTManagedObject *row = m_firstByText.value(memoKey, nullptr)) {
+        // Rows are only ever added after the others, so the first one found
+        // stays first while it lives and keeps its text.
+        if (!row->isDeleted() && row->primitiveValueForKey(key).toString() == text)
+            return row;
+        m_firstByText.remove(memoKey);
+    }
+    const QList<ZTManagedObject *> rows = fetch(entityName, key, text);
+    if (rows.isEmpty())
+        return nullptr;
+    m_firstByText.insert(memoKey, rows.first());
+    return rows.first();
+}
+
 QList<ZTManagedObject *> ZTManagedObjectContext::fetchRelated(const QString &entityName,
                                                               const QString &relationship,
                                                               const ZTManagedObject *target) const

@@ -49,6 +49,12 @@ public:
                                    bool ascending = true) const;
     QList<ZTManagedObject *> fetchRelated(const QString &entityName, const QString &relationship,
                                           const ZTManagedObject *target) const;
+    // The first row fetch(entityName, key, text) would give, remembered per
+    // text: the currency and country rows are asked for by code for every
+    // item an import or a lookup makes. A remembered row is given again only
+    // while it is alive and still holds that text.
+    ZTManagedObject *firstObjectWithText(const QString &entityName, const QString &key,
+                                         const QString &text) const;
     ZTManagedObject *objectWithURI(const QString &uri) const;
     ZTManagedObject *objectWithPrimaryKey(const QString &entityName, qint64 primaryKey) const;
 
@@ -141,6 +147,7 @@ private:
         ResolvedObjects objects;
     };
     mutable std::vector<Resolved> m_resolved; // most recent first
+    mutable QHash<QString, ZTManagedObject *> m_firstByText;
     static constexpr qsizetype s_resolvedMinimum = 64;
     void keepResolved(Resolved entry) const;
     QSet<QString> m_imagesDeleted;

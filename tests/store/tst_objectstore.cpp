@@ -59,7 +59,8 @@ private Q_SLOTS:
         auto context = openContext(fixture);
         const auto mains = context->fetch(QStringLiteral("ZTList"), QStringLiteral("libraryFlag"), true);
         QCOMPARE(mains.size(), 1);
-        QVERIFY(!context->fetch(QStringLiteral("ZTLocale"), QStringLiteral("code"), QStringLiteral("US")).isEmpty());
+        QVERIFY(!context->fetch(QStringLiteral("ZTLocale"), QStringLiteral("code"), QStringLiteral("US"))
+                     .isEmpty());
         for (const QString &code : ZTItemResources::priceLocales())
             QVERIFY2(!context->fetch(QStringLiteral("ZTPriceLocale"), QStringLiteral("code"), code).isEmpty(),
                      qPrintable(code));
@@ -99,7 +100,8 @@ private Q_SLOTS:
         const auto books = context->fetch(QStringLiteral("ZTBook"));
         QCOMPARE(books.size(), 1);
         ZTManagedObject *book = books.first();
-        QCOMPARE(book->primitiveValueForKey(QStringLiteral("title")).toString(), QStringLiteral("Ünïcødé ✓ title"));
+        QCOMPARE(book->primitiveValueForKey(QStringLiteral("title")).toString(),
+                 QStringLiteral("Ünïcødé ✓ title"));
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("pages")).toLongLong(), 412);
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("price")).toDouble(), 19.99);
         QCOMPARE(book->primitiveValueForKey(QStringLiteral("signedFlag")).toBool(), true);
@@ -111,7 +113,9 @@ private Q_SLOTS:
         QVERIFY(!book->primitiveValueForKey(QStringLiteral("genre")).isValid());
         QVERIFY(book->toOneForKey(QStringLiteral("toCoverImage")) != nullptr);
         QCOMPARE(book->toOneForKey(QStringLiteral("toCoverImage"))->entityName(), QStringLiteral("ZTImage"));
-        QCOMPARE(countRows(fixture.path() + QStringLiteral("/data.sql"), "SELECT COUNT(*) AS CNT FROM ZZTITEM"), 1);
+        QCOMPARE(
+            countRows(fixture.path() + QStringLiteral("/data.sql"), "SELECT COUNT(*) AS CNT FROM ZZTITEM"),
+            1);
     }
 
     // Repeated short texts come back as one shared string; texts that keep
@@ -143,7 +147,8 @@ private Q_SLOTS:
         for (int i = 0; i < count; ++i) {
             const ZTManagedObject *book = byOid.value(QStringLiteral("oid-%1").arg(i));
             QVERIFY(book);
-            QCOMPARE(book->primitiveValueForKey(QStringLiteral("title")).toString(), QStringLiteral("Title %1").arg(i));
+            QCOMPARE(book->primitiveValueForKey(QStringLiteral("title")).toString(),
+                     QStringLiteral("Title %1").arg(i));
             const QString genre = book->primitiveValueForKey(QStringLiteral("genre")).toString();
             QCOMPARE(genre, i % 2 ? QStringLiteral("Fantasy") : QStringLiteral("Crime"));
             genres.insert(genre.constData());
@@ -186,7 +191,8 @@ private Q_SLOTS:
         const QString data = fixture.path() + QStringLiteral("/data.sql");
         auto context = openContext(fixture);
         QVERIFY(!context->hasChanges());
-        ZTManagedObject *second = context->fetch(QStringLiteral("ZTBook"), QStringLiteral("title"), QStringLiteral("t1")).first();
+        ZTManagedObject *second =
+            context->fetch(QStringLiteral("ZTBook"), QStringLiteral("title"), QStringLiteral("t1")).first();
         second->setPrimitiveValueForKey(QStringLiteral("changed"), QStringLiteral("title"));
         QCOMPARE(context->updatedObjects().size(), 1);
         QVERIFY(context->save());
@@ -211,6 +217,38 @@ private Q_SLOTS:
         QCOMPARE(countRows(fixture.path() + QStringLiteral("/data.sql"), "SELECT COUNT(*) FROM ZZTITEM"), 1);
         QVERIFY(a->isDeleted());
         QVERIFY(!b->isDeleted());
+    }
+
+    void rowsByTextAnswerAsFetchDoes()
+    {
+        ZTLibraryFixture fixture;
+        auto context = openContext(fixture);
+        const QString entity = QStringLiteral("ZTPriceLocale");
+        const QString code = QStringLiteral("code");
+        auto first = [&](const QString &text) {
+            const QList<ZTManagedObject *> rows = context->fetch(entity, code, text);
+            return rows.isEmpty() ? nullptr : rows.first();
+        };
+        ZTManagedObject *euro = context->firstObjectWithText(entity, code, QStringLiteral("EUR"));
+        QVERIFY(euro);
+        QCOMPARE(euro, first(QStringLiteral("EUR")));
+        QVERIFY(!context->firstObjectWithText(entity, code, QStringLiteral("XXX")));
+        // A later row with the same code does not come first.
+        ZTManagedObject *second = context->insertNewObject(entity);
+        second->setPrimitiveValueForKey(QStringLiteral("EUR"), code);
+        QCOMPARE(context->firstObjectWithText(entity, code, QStringLiteral("EUR")), euro);
+        // The remembered row changes its code, or goes: the next row answers.
+        euro->setPrimitiveValueForKey(QStringLiteral("EUX"), code);
+        QCOMPARE(context->firstObjectWithText(entity, code, QStringLiteral("EUR")), second);
+        QCOMPARE(context->firstObjectWithText(entity, code, QStringLiteral("EUX")), euro);
+        context->deleteObject(euro);
+        QCOMPARE(context->firstObjectWithText(entity, code, QStringLiteral("EUX")),
+                 first(QStringLiteral("EUX")));
+        QVERIFY(!context->firstObjectWithText(entity, code, QStringLiteral("EUX")));
+        // A code that was missing is found once a row holds it.
+        ZTManagedObject *made = context->insertNewObject(entity);
+        made->setPrimitiveValueForKey(QStringLiteral("XXX"), code);
+        QCOMPARE(context->firstObjectWithText(entity, code, QStringLiteral("XXX")), made);
     }
 
     void picturesAreStagedUntilTheCommit()
@@ -264,7 +302,8 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture;
         auto context = openContext(fixture);
-        context->insertNewObject(QStringLiteral("ZTBook"))->setPrimitiveValueForKey(QStringLiteral("x"), QStringLiteral("title"));
+        context->insertNewObject(QStringLiteral("ZTBook"))
+            ->setPrimitiveValueForKey(QStringLiteral("x"), QStringLiteral("title"));
         context->insertImageWithFilename(QStringLiteral("d.png"), zt_pngBytes(2, 2));
         context->deleteImageWithFilename(QStringLiteral("old.png"));
         // Another program takes the table away: the row commit fails.
@@ -295,13 +334,16 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture;
         const QString data = fixture.path() + QStringLiteral("/data.sql");
-        QVERIFY(sqlOn(data, "DROP TABLE ZZTITEM; CREATE TABLE ZZTITEM (Z_PK INTEGER PRIMARY KEY, Z_ENT INTEGER, "
-                            "Z_OPT INTEGER, ZOID VARCHAR, ZTITLE VARCHAR); INSERT INTO ZZTITEM VALUES (7, 13, 1, 'o', 'Old');"));
+        QVERIFY(sqlOn(data,
+                      "DROP TABLE ZZTITEM; CREATE TABLE ZZTITEM (Z_PK INTEGER PRIMARY KEY, Z_ENT INTEGER, "
+                      "Z_OPT INTEGER, ZOID VARCHAR, ZTITLE VARCHAR); INSERT INTO ZZTITEM VALUES (7, 13, 1, "
+                      "'o', 'Old');"));
         auto context = openContext(fixture);
         const auto books = context->fetch(QStringLiteral("ZTBook"));
         QCOMPARE(books.size(), 1);
         QCOMPARE(books.first()->primaryKey(), 7);
-        QCOMPARE(books.first()->primitiveValueForKey(QStringLiteral("title")).toString(), QStringLiteral("Old"));
+        QCOMPARE(books.first()->primitiveValueForKey(QStringLiteral("title")).toString(),
+                 QStringLiteral("Old"));
         books.first()->setPrimitiveValueForKey(QStringLiteral("978"), QStringLiteral("isbn"));
         QVERIFY(context->save());
         QCOMPARE(countRows(data, "SELECT COUNT(*) FROM ZZTITEM WHERE ZISBN = '978'"), 1);
@@ -331,7 +373,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("strings");
         QTest::newRow("empty") << QStringList();
         QTest::newRow("ascii") << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")};
-        QTest::newRow("unicode") << QStringList{QStringLiteral("Zoë"), QStringLiteral("日本語"), QStringLiteral("😀")};
+        QTest::newRow("unicode") << QStringList{QStringLiteral("Zoë"), QStringLiteral("日本語"),
+                                                QStringLiteral("😀")};
         QStringList many;
         for (int i = 0; i < 300; ++i)
             many << QStringLiteral("0123456789abcdef0123456789abcdef%1").arg(i);
@@ -350,9 +393,10 @@ private Q_SLOTS:
 
     void brokenBlobsReadAsNothing()
     {
-        const QByteArray good = ZTPropertyList::serializeStringArray({QStringLiteral("x"), QStringLiteral("y")});
-        QList<QByteArray> bad{QByteArray(), QByteArray("bplist00"), QByteArray("garbage"), good.left(good.size() - 5),
-                              QByteArray("bplist00") + QByteArray(40, '\xff')};
+        const QByteArray good =
+            ZTPropertyList::serializeStringArray({QStringLiteral("x"), QStringLiteral("y")});
+        QList<QByteArray> bad{QByteArray(), QByteArray("bplist00"), QByteArray("garbage"),
+                              good.left(good.size() - 5), QByteArray("bplist00") + QByteArray(40, '\xff')};
         QByteArray flipped = good;
         flipped[flipped.size() - 9] = '\x7f'; // top object index out of range
         bad << flipped;
@@ -370,7 +414,8 @@ private Q_SLOTS:
     void randomBytesNeverCrashTheReader()
     {
         QRandomGenerator rng(42);
-        const QByteArray good = ZTPropertyList::serializeStringArray({QStringLiteral("abc"), QStringLiteral("dé")});
+        const QByteArray good =
+            ZTPropertyList::serializeStringArray({QStringLiteral("abc"), QStringLiteral("dé")});
         int parsed = 0;
         for (int i = 0; i < 3000; ++i) {
             QByteArray blob = good;
@@ -393,9 +438,11 @@ private Q_SLOTS:
                               {QStringLiteral("b"), true},
                               {QStringLiteral("list"), QVariantList{QStringLiteral("a"), qlonglong(1)}}};
         for (auto format : {ZTPropertyList::Format::Binary, ZTPropertyList::Format::Xml}) {
-            const QVariantMap back = ZTPropertyList::deserialize(ZTPropertyList::serialize(map, format)).toMap();
+            const QVariantMap back =
+                ZTPropertyList::deserialize(ZTPropertyList::serialize(map, format)).toMap();
             QCOMPARE(back.value(QStringLiteral("n")).toLongLong(), -5);
-            QCOMPARE(back.value(QStringLiteral("d")).toDateTime(), map.value(QStringLiteral("d")).toDateTime());
+            QCOMPARE(back.value(QStringLiteral("d")).toDateTime(),
+                     map.value(QStringLiteral("d")).toDateTime());
             QCOMPARE(back.value(QStringLiteral("r")).toDouble(), 2.5);
             QCOMPARE(back.value(QStringLiteral("b")).toBool(), true);
             QCOMPARE(back.value(QStringLiteral("list")).toList().size(), 2);
