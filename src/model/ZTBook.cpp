@@ -3,6 +3,9 @@
 #include "model/ZTItemDerived.h"
 #include "model/ZTItemText.h"
 #include "model/ZTSharedRows.h"
+#include "store/ZTManagedObjectContext.h"
+
+#include <QHash>
 
 namespace {
 const QString s_authorData = QStringLiteral("toAuthorData");
@@ -99,11 +102,49 @@ void ZTBook::buildAuthorArrays() const
 {
     if (m_authorArraysBuilt)
         return;
-    const ZTItemText::AuthorArrays arrays = ZTItemText::authorArrays(roleEntriesForOids(
-        m_authorRoleOids, QLatin1String(s_roles.roleEntity), QLatin1String(s_roles.personKey)));
-    m_authorsWithTypes = arrays.authorsWithTypes;
-    m_authorsWithTypesByLastNameFirstName = arrays.authorsWithTypesByLastNameFirstName;
+    m_authorsWithTypes.clear();
+    m_authorsWithTypesByLastNameFirstName.clear();
     m_authorArraysBuilt = true;
+    ZTManagedObjectContext *context = managedObjectContext();
+    if (!context || m_authorRoleOids.isEmpty())
+        return;
+    const auto &tables = context->oidObjectDictionary();
+    const auto roles = tables.constFind(QLatin1String(s_roles.roleEntity));
+    if (roles == tables.constEnd())
+        return;
+    // Books share their author rows, and a row's forms depend only on its
+    // name and role: they are made once per row and thread, and made again
+    // only when the row's name or role is no longer what it was.
+    struct Forms {
+        QString name;
+        QString role;
+        QString plain;
+        QString sorted;
+    };
+    thread_local QHash<const ZTManagedObject *, Forms> known;
+    if (known.size() > 100000)
+        known.clear();
+    static thread_local ZTSlotMemo personMemo, nameMemo, roleMemo;
+    static const QString personKey = QLatin1String(s_roles.personKey);
+    m_authorsWithTypes.reserve(m_authorRoleOids.size());
+    m_authorsWithTypesByLastNameFirstName.reserve(m_authorRoleOids.size());
+    for (const QString &oid : m_authorRoleOids) {
+        const ZTManagedObject *row = roles->value(oid, nullptr);
+        if (!row)
+            continue;
+        const ZTManagedObject *person = row->toOneForKey(personKey, personMemo);
+        const QString name = person ? person->primitiveValueForKey(s_name, nameMemo).toString() : QString();
+        const QString role = row->primitiveValueForKey(s_role, roleMemo).toString();
+        auto it = known.find(row);
+        if (it == known.end() || it->name != name || it->role != role) {
+            const ZTItemText::AuthorArrays one =
+                ZTItemText::authorArrays(QList<ZTItemText::NameAndRole>{{name, role}});
+            it = known.insert(row, {name, role, one.authorsWithTypes.value(0),
+                                    one.authorsWithTypesByLastNameFirstName.value(0)});
+        }
+        m_authorsWithTypes.append(it->plain);
+        m_authorsWithTypesByLastNameFirstName.append(it->sorted);
+    }
 }
 
 const QStringList &ZTBook::authorsWithTypes() const

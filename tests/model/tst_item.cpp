@@ -193,6 +193,33 @@ private Q_SLOTS:
         QCOMPARE(m3->actorRoleOids(), m4->actorRoleOids());
     }
 
+    void sharedAuthorsFollowRenames()
+    {
+        ZTLibraryFixture fixture;
+        auto document = fixture.open();
+        auto add = [&](const QVariantList &authors) {
+            return static_cast<ZTBook *>(document->addItemFromDictionary({{"authorRoleDicts", authors}}));
+        };
+        const QVariantMap ann{{"name", "Ann Lee"}, {"role", ""}};
+        ZTBook *first = add({ann});
+        ZTBook *second = add({ann, QVariantMap{{"name", "Bo Chan"}, {"role", "Editor"}}});
+        QCOMPARE(first->authorsWithTypesByLastNameFirstName(), QStringList{"Lee, Ann"});
+        QCOMPARE(second->authorsWithTypesByLastNameFirstName(),
+                 QStringList({"Lee, Ann", "Chan, Bo (Editor)"}));
+        QCOMPARE(second->authorsWithTypes(), QStringList({"Ann Lee", "Bo Chan (Editor)"}));
+        // The shared person row renamed in place: a book that reads its authors
+        // again shows the new name, not the form made for the old one.
+        const QList<ZTManagedObject *> people =
+            document->managedObjectContext()->fetch("ZTAuthor", "name", QStringLiteral("Ann Lee"));
+        QCOMPARE(people.size(), 1);
+        people.first()->setPrimitiveValueForKey(QStringLiteral("Cy Dunn"), "name");
+        first->updateAuthors();
+        QCOMPARE(first->authorsWithTypesByLastNameFirstName(), QStringList{"Dunn, Cy"});
+        // A corporate role on the same name keeps the name as it stands.
+        ZTBook *third = add({QVariantMap{{"name", "Cy Dunn"}, {"role", "ent."}}});
+        QCOMPARE(third->authorsWithTypesByLastNameFirstName(), QStringList{"Cy Dunn"});
+    }
+
     void roleNameListsSkipBlanksAndRepeats()
     {
         ZTLibraryFixture fixture(ZTMediaKind::Movie);
