@@ -1,9 +1,9 @@
 #include "app/ZTSettings.h"
-#include "support/ZTLibraryFixture.h"
 #include "sharing/ZTSharingController.h"
 #include "sharing/ZTWebServer.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTHttpRequest.h"
+#include "support/ZTLibraryFixture.h"
 #include "support/ZTTestSupport.h"
 #include "ui/app/ZTApplicationController.h"
 #include "ui/mainwindow/ZTLibraryWindow.h"
@@ -82,6 +82,7 @@ void TestPreferences::sharingPaneDrivesTheService()
     QTreeWidgetItem *shelf = list->findItems(QStringLiteral("Shelf"), Qt::MatchExactly).value(0);
     QVERIFY(shelf);
     shelf->setCheckState(0, Qt::Checked);
+    QCoreApplication::processEvents(); // the list is rebuilt after the tick
     QCOMPARE(ZTSettings::value(ZTSettingsKey::SharedLibraries).toStringList(), QStringList{books.path()});
     QCOMPARE(servedNames(port), QStringList{"Shelf"});
     QCOMPARE(list->topLevelItem(0)->checkState(0), Qt::PartiallyChecked);
@@ -89,11 +90,13 @@ void TestPreferences::sharingPaneDrivesTheService()
     QCOMPARE(list->topLevelItem(1)->text(0), QStringLiteral("Shelf"));
 
     list->topLevelItem(0)->setCheckState(0, Qt::Checked);
+    QCoreApplication::processEvents(); // the list is rebuilt after the tick
     QStringList both = servedNames(port);
     both.sort();
     QCOMPARE(both, QStringList({"Films", "Shelf"}));
 
     list->topLevelItem(0)->setCheckState(0, Qt::Unchecked);
+    QCoreApplication::processEvents(); // the list is rebuilt after the tick
     QCOMPARE(ZTSettings::value(ZTSettingsKey::SharedLibraries).toStringList(), QStringList());
     QCOMPARE(servedNames(port), QStringList());
 

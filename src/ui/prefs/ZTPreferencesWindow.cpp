@@ -75,12 +75,14 @@ QWidget *ZTPreferencesWindow::makeSharingPane()
     auto *layout = new QVBoxLayout(pane);
     layout->setContentsMargins(16, 16, 16, 16);
     layout->setSpacing(10);
-    m_sharingBox = new QCheckBox(tr("Share libraries with the handheld companion on the local network"), pane);
+    m_sharingBox =
+        new QCheckBox(tr("Share libraries with the handheld companion on the local network"), pane);
     m_sharingBox->setChecked(ZTSettings::value(ZTSettingsKey::SharingState).toBool());
     connect(m_sharingBox, &QCheckBox::toggled, this, &ZTPreferencesWindow::toggleSharing);
     layout->addWidget(m_sharingBox);
 
-    auto *explanation = new QLabel(tr("Ticked libraries can be browsed, read-only, from other devices on this network."), pane);
+    auto *explanation = new QLabel(
+        tr("Ticked libraries can be browsed, read-only, from other devices on this network."), pane);
     explanation->setWordWrap(true);
     explanation->setForegroundRole(QPalette::PlaceholderText);
     layout->addWidget(explanation);
@@ -94,11 +96,10 @@ QWidget *ZTPreferencesWindow::makeSharingPane()
     m_libraries->header()->setStretchLastSection(true);
     m_libraries->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     m_libraries->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    connect(m_libraries, &QTreeWidget::itemChanged, this,
-            [this](QTreeWidgetItem *row, int column) {
-                if (column == 0 && !m_updatingList)
-                    toggleSharedLibraryAtRow(row);
-            });
+    connect(m_libraries, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem *row, int column) {
+        if (column == 0 && !m_updatingList)
+            toggleSharedLibraryAtRow(row);
+    });
     layout->addWidget(m_libraries, 1);
 
     m_status = new QLabel(pane);
@@ -149,7 +150,9 @@ void ZTPreferencesWindow::refreshSharedLibraryList()
         row->setCheckState(0, isShared ? Qt::Checked : Qt::Unchecked);
         ticked += isShared ? 1 : 0;
     }
-    all->setCheckState(0, ticked == 0 ? Qt::Unchecked : ticked == paths.size() ? Qt::Checked : Qt::PartiallyChecked);
+    all->setCheckState(0, ticked == 0              ? Qt::Unchecked
+                          : ticked == paths.size() ? Qt::Checked
+                                                   : Qt::PartiallyChecked);
     if (paths.isEmpty())
         all->setDisabled(true);
     m_updatingList = false;
@@ -172,7 +175,10 @@ void ZTPreferencesWindow::toggleSharedLibraryAtRow(QTreeWidgetItem *row)
         }
     }
     writeSharedLibraries(paths);
-    refreshSharedLibraryList();
+    // The row whose tick changed is still inside its own setCheckState() here;
+    // rebuilding the list now would delete it under the caller, so the list is
+    // rebuilt once control is back in the event loop.
+    QMetaObject::invokeMethod(this, &ZTPreferencesWindow::refreshSharedLibraryList, Qt::QueuedConnection);
 }
 
 void ZTPreferencesWindow::writeSharedLibraries(const QStringList &paths)
@@ -204,11 +210,11 @@ void ZTPreferencesWindow::updateSharingStatus()
         m_status->setText(tr("Sharing is on, but the server could not start listening."));
         return;
     }
-    QString text = tr("Serving at http://%1.local:%2/")
-                       .arg(QHostInfo::localHostName())
-                       .arg(m_sharing->listeningPort());
+    QString text =
+        tr("Serving at http://%1.local:%2/").arg(QHostInfo::localHostName()).arg(m_sharing->listeningPort());
     if (m_publisher && m_publisher->state() == ZTAvahiPublisher::State::Established)
-        text += QLatin1Char('\n') + tr("Announced on the local network as \u201c%1\u201d.").arg(m_publisher->publishedName());
+        text += QLatin1Char('\n') +
+                tr("Announced on the local network as \u201c%1\u201d.").arg(m_publisher->publishedName());
     else if (m_publisher && m_publisher->state() == ZTAvahiPublisher::State::Registering)
         text += QLatin1Char('\n') + tr("Announcing on the local network\u2026");
     else
