@@ -1,7 +1,6 @@
 #include "model/ZTItemText.h"
 
 #include <QCoreApplication>
-#include <QHash>
 #include <QSet>
 
 namespace ZTItemText {
@@ -165,44 +164,28 @@ AuthorArrays authorArrays(const QVariantList &authorRoleDicts)
 
 AuthorArrays authorArrays(const QList<NameAndRole> &authors)
 {
-    // Books share their authors: a name and role met before gives the forms
-    // made then, which also lets the books share those texts in memory. Each
-    // thread keeps its own, bounded, memo.
-    struct Forms {
-        QString plain;
-        QString sorted;
-    };
-    thread_local QHash<QString, Forms> memo;
-    if (memo.size() > 100000)
-        memo.clear();
     AuthorArrays arrays;
     arrays.authorsWithTypes.reserve(authors.size());
     arrays.authorsWithTypesByLastNameFirstName.reserve(authors.size());
     for (const NameAndRole &author : authors) {
-        // The name's length first keeps any name and role apart from any other pair.
-        const QString key =
-            QString::number(author.name.size()) + QLatin1Char(':') + author.name + author.role;
-        auto known = memo.constFind(key);
-        if (known == memo.constEnd()) {
-            const QString name = author.name.trimmed();
-            const QString role = author.role.trimmed();
-            Forms forms;
-            if (role == CorporateAuthorRole) {
-                // A corporate body has no first and last name to swap, and its
-                // role says nothing a reader needs to see.
-                forms = {name, name};
-            } else {
-                forms = {name, lastNameFirst(name)};
-                if (!role.isEmpty()) {
-                    const QString suffix = QStringLiteral(" (") + localizedRole(role) + QStringLiteral(")");
-                    forms.plain += suffix;
-                    forms.sorted += suffix;
-                }
-            }
-            known = memo.insert(key, forms);
+        const QString name = author.name.trimmed();
+        const QString role = author.role.trimmed();
+        if (role == CorporateAuthorRole) {
+            // A corporate body has no first and last name to swap, and its
+            // role says nothing a reader needs to see.
+            arrays.authorsWithTypes.append(name);
+            arrays.authorsWithTypesByLastNameFirstName.append(name);
+            continue;
         }
-        arrays.authorsWithTypes.append(known->plain);
-        arrays.authorsWithTypesByLastNameFirstName.append(known->sorted);
+        QString plain = name;
+        QString sorted = lastNameFirst(name);
+        if (!role.isEmpty()) {
+            const QString suffix = QStringLiteral(" (") + localizedRole(role) + QStringLiteral(")");
+            plain += suffix;
+            sorted += suffix;
+        }
+        arrays.authorsWithTypes.append(plain);
+        arrays.authorsWithTypesByLastNameFirstName.append(sorted);
     }
     return arrays;
 }
