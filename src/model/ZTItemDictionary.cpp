@@ -11,26 +11,44 @@ namespace {
 // The keys every item's dictionary form holds, in the order they are read back.
 const QStringList &commonDictionaryKeys()
 {
-    static const QStringList keys{
-        QStringLiteral("title"),          QStringLiteral("genre"),
-        QStringLiteral("source"),         QStringLiteral("copies"),
-        QStringLiteral("locale"),         QStringLiteral("price"),
-        QStringLiteral("priceLocale"),    QStringLiteral("pricePaid"),
-        QStringLiteral("pricePaidLocale"), QStringLiteral("notes"),
-        QStringLiteral("condition"),      QStringLiteral("productDescription"),
-        QStringLiteral("keywords"),       QStringLiteral("ownedFlag"),
-        QStringLiteral("lockedFlag"),     QStringLiteral("signedFlag"),
-        QStringLiteral("location"),       QStringLiteral("dateObtained"),
-        QStringLiteral("dateObtainedBitFlag"), QStringLiteral("rating"),
-        QStringLiteral("series"),         QStringLiteral("imageSmall"),
-        QStringLiteral("imageMedium"),    QStringLiteral("imageLarge"),
-        QStringLiteral("imageUser"),      QStringLiteral("imageSmallUrl"),
-        QStringLiteral("imageMediumUrl"), QStringLiteral("imageLargeUrl"),
-        QStringLiteral("language"),       QStringLiteral("originalLanguage"),
-        QStringLiteral("format"),         QStringLiteral("usedFlag"),
-        QStringLiteral("dateUsed"),       QStringLiteral("dateUsedBitFlag"),
-        QStringLiteral("datePublished"),  QStringLiteral("datePublishedBitFlag"),
-        QStringLiteral("originalDatePublished"), QStringLiteral("originalDatePublishedBitFlag")};
+    static const QStringList keys{QStringLiteral("title"),
+                                  QStringLiteral("genre"),
+                                  QStringLiteral("source"),
+                                  QStringLiteral("copies"),
+                                  QStringLiteral("locale"),
+                                  QStringLiteral("price"),
+                                  QStringLiteral("priceLocale"),
+                                  QStringLiteral("pricePaid"),
+                                  QStringLiteral("pricePaidLocale"),
+                                  QStringLiteral("notes"),
+                                  QStringLiteral("condition"),
+                                  QStringLiteral("productDescription"),
+                                  QStringLiteral("keywords"),
+                                  QStringLiteral("ownedFlag"),
+                                  QStringLiteral("lockedFlag"),
+                                  QStringLiteral("signedFlag"),
+                                  QStringLiteral("location"),
+                                  QStringLiteral("dateObtained"),
+                                  QStringLiteral("dateObtainedBitFlag"),
+                                  QStringLiteral("rating"),
+                                  QStringLiteral("series"),
+                                  QStringLiteral("imageSmall"),
+                                  QStringLiteral("imageMedium"),
+                                  QStringLiteral("imageLarge"),
+                                  QStringLiteral("imageUser"),
+                                  QStringLiteral("imageSmallUrl"),
+                                  QStringLiteral("imageMediumUrl"),
+                                  QStringLiteral("imageLargeUrl"),
+                                  QStringLiteral("language"),
+                                  QStringLiteral("originalLanguage"),
+                                  QStringLiteral("format"),
+                                  QStringLiteral("usedFlag"),
+                                  QStringLiteral("dateUsed"),
+                                  QStringLiteral("dateUsedBitFlag"),
+                                  QStringLiteral("datePublished"),
+                                  QStringLiteral("datePublishedBitFlag"),
+                                  QStringLiteral("originalDatePublished"),
+                                  QStringLiteral("originalDatePublishedBitFlag")};
     return keys;
 }
 
@@ -99,12 +117,14 @@ void ZTItem::handleDictionary(const QVariantMap &dictionary)
         if (key == ZTItemKey::locale) {
             const QString code = dictionary.value(key).toString();
             ZTManagedObject *row = code.isEmpty() ? nullptr : ZTLocale::localeForLocaleCode(code, context);
-            setToOneForKey(QStringLiteral("toLocale"), row ? row : ZTLocale::defaultLocaleInManagedObjectContext(context));
+            setToOneForKey(QStringLiteral("toLocale"),
+                           row ? row : ZTLocale::defaultLocaleInManagedObjectContext(context));
             continue;
         }
         if (key == ZTItemKey::priceLocale || key == ZTItemKey::pricePaidLocale) {
             const QString code = dictionary.value(key).toString();
-            ZTManagedObject *row = code.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(code, context);
+            ZTManagedObject *row =
+                code.isEmpty() ? nullptr : ZTPriceLocale::priceLocaleForPriceLocaleCode(code, context);
             if (!row)
                 row = key == ZTItemKey::priceLocale
                           ? ZTPriceLocale::defaultPriceLocaleInManagedObjectContext(context)

@@ -36,9 +36,15 @@ const ZTObjectModel &ZTObjectModel::shared()
     return model;
 }
 
-ZTObjectModel::ZTObjectModel() { build(); }
+ZTObjectModel::ZTObjectModel()
+{
+    build();
+}
 
-ZTObjectModel::~ZTObjectModel() { qDeleteAll(m_entities); }
+ZTObjectModel::~ZTObjectModel()
+{
+    qDeleteAll(m_entities);
+}
 
 QList<const ZTEntity *> ZTObjectModel::entities() const
 {

@@ -2,4 +2,7 @@
 
 #include <QUuid>
 
-QString ZTOid::uuid() { return QUuid::createUuid().toString(QUuid::WithoutBraces).toLower(); }
+QString ZTOid::uuid()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toLower();
+}
