@@ -3,6 +3,7 @@
 #include "store/ZTEntity.h"
 #include "store/ZTImage.h"
 #include "store/ZTManagedObjectContext.h"
+#include "store/ZTOid.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTLibraryFixture.h"
 #include "support/ZTTestSupport.h"
@@ -10,6 +11,8 @@
 #include <QDir>
 #include <QFile>
 #include <QtTest>
+
+#include <thread>
 
 #include <sqlite3.h>
 
@@ -52,6 +55,37 @@ private:
     }
 
 private Q_SLOTS:
+    void oidsAreDistinctVersionFourUuids()
+    {
+        // Made on two threads at once: each thread draws from its own generator.
+        QSet<QString> seen;
+        QStringList other;
+        std::thread worker([&other] {
+            for (int i = 0; i < 5000; ++i)
+                other << ZTOid::uuid();
+        });
+        for (int i = 0; i < 5000; ++i)
+            seen.insert(ZTOid::uuid());
+        worker.join();
+        for (const QString &oid : std::as_const(other))
+            seen.insert(oid);
+        QCOMPARE(seen.size(), 10000);
+        const QRegularExpression canonical(
+            QStringLiteral("^[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}$"));
+        int hexDigitsSeen = 0;
+        for (const QString &oid : std::as_const(seen)) {
+            QVERIFY2(canonical.match(oid).hasMatch(), qPrintable(oid));
+            const QUuid parsed(oid);
+            QCOMPARE(parsed.version(), QUuid::Random);
+            QCOMPARE(parsed.variant(), QUuid::DCE);
+            QCOMPARE(parsed.toString(QUuid::WithoutBraces), oid);
+            for (QChar c : oid)
+                hexDigitsSeen |= 1 << QStringLiteral("0123456789abcdef-").indexOf(c);
+        }
+        // Every digit turns up somewhere: the generator is not stuck on a few.
+        QCOMPARE(hexDigitsSeen, (1 << 17) - 1);
+    }
+
     void templateHoldsMainListLocalesAndCurrencies()
     {
         ZTLibraryFixture fixture;
