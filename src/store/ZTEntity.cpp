@@ -1,5 +1,7 @@
 #include "store/ZTEntity.h"
 
+#include "store/ZTManagedObject.h"
+
 bool ZTEntity::isKindOf(const QString &entityName) const
 {
     for (const ZTEntity *e = this; e; e = e->parent)
@@ -28,6 +30,17 @@ void ZTEntity::finalize()
         m_toManySlots.insert(toMany[i].name, i);
     }
     oidSlot = attributeSlot(QStringLiteral("oid"));
+    defaultSlots = 0;
+    defaultValues.clear();
+    for (const ZTAttribute &attribute : std::as_const(attributes)) {
+        if (attribute.slot >= 63 || !attribute.defaultValue.isValid() || attribute.defaultValue.isNull())
+            continue;
+        const QVariant value = ZTManagedObject::normalized(attribute, attribute.defaultValue);
+        if (!value.isValid())
+            continue;
+        defaultSlots |= quint64(1) << attribute.slot;
+        defaultValues.push_back(value);
+    }
 }
 
 const ZTObjectModel &ZTObjectModel::shared()

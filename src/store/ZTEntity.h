@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include <functional>
+#include <vector>
 
 class ZTManagedObject;
 
@@ -57,6 +58,10 @@ public:
     // The oid attribute's slot, or -1: read for every row by lists, caches and
     // saving, so it is looked up once here rather than by name each time.
     int oidSlot = -1;
+    // The values a new row starts with, in slot order, and which slots they
+    // fill: a new row takes them in one step.
+    quint64 defaultSlots = 0;
+    std::vector<QVariant> defaultValues;
     const ZTEntity *parent = nullptr;
 
 private:

@@ -224,6 +224,15 @@ void ZTManagedObject::markDirty(quint64 bits)
 
 void ZTManagedObject::awakeFromInsert()
 {
+    if (m_present == 0) {
+        // Room for what a filled-in row usually holds, so that the values set
+        // next do not grow the store one step at a time.
+        m_values.reserve(std::min<size_t>(size_t(m_entity->attributes.size()), 24));
+        m_values.assign(m_entity->defaultValues.begin(), m_entity->defaultValues.end());
+        m_present = m_entity->defaultSlots;
+        markDirty(m_entity->defaultSlots);
+        return;
+    }
     for (const ZTAttribute &a : m_entity->attributes)
         if (a.defaultValue.isValid())
             setPrimitiveValue(a.slot, a.defaultValue);

@@ -166,7 +166,9 @@ QList<ZTManagedObject *> ZTManagedObjectContext::fetch(const QString &entityName
 ZTManagedObject *ZTManagedObjectContext::firstObjectWithText(const QString &entityName, const QString &key,
                                                              const QString &text) const
 {
-    const QString memoKey = entityName + QChar(0x1F) + key + QChar(0x1F) + text;
+    QString memoKey;
+    memoKey.reserve(entityName.size() + key.size() + text.size() + 2);
+    memoKey.append(entityName).append(QChar(0x1F)).append(key).append(QChar(0x1F)).append(text);
     if (ZTManagedObject *row = m_firstByText.value(memoKey, nullptr)) {
         // Rows are only ever added after the others, so the first one found
         // stays first while it lives and keeps its text.
