@@ -45,13 +45,10 @@ void ZTBook::setAuthorRoleDicts(const QVariantList &dicts)
 
 void ZTBook::setAuthors(const QStringList &names)
 {
-    QVariantList dicts;
-    for (const QString &n : names)
-        dicts << QVariantMap{{s_name, n}};
     storeOidArray(m_authorRoleOids,
-                  oidArrayForRoleDicts(dicts, QLatin1String(s_roles.roleEntity),
-                                       QLatin1String(s_roles.personEntity), QLatin1String(s_roles.personKey),
-                                       QLatin1String(s_roles.inverseKey), MissingRole::Unset),
+                  oidArrayForRoles(rolesForNames(names), QLatin1String(s_roles.roleEntity),
+                                   QLatin1String(s_roles.personEntity), QLatin1String(s_roles.personKey),
+                                   MissingRole::Unset),
                   s_authorData);
     updateAuthors();
 }

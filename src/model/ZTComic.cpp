@@ -13,13 +13,6 @@ const QString s_role = QStringLiteral("role");
 const char *const s_ownKeys[] = {"cbdbn",     "gcdn",        "isbn",  "upc",       "pages",
                                  "publisher", "issueNumber", "grade", "issueCount"};
 
-QVariantList plainNames(const QStringList &names)
-{
-    QVariantList dicts;
-    for (const QString &n : names)
-        dicts << QVariantMap{{s_name, n}};
-    return dicts;
-}
 } // namespace
 
 QStringList ZTComic::itemCodeTypes() const
@@ -55,6 +48,13 @@ static QStringList roleOids(ZTComic &comic, const QVariantList &dicts, const ZTR
                                       QLatin1String(roles.inverseKey), missing);
 }
 
+static QStringList roleOidsForNames(ZTComic &comic, const QStringList &names, const ZTRoleEntity &roles)
+{
+    return comic.oidArrayForRoles(ZTItem::rolesForNames(names), QLatin1String(roles.roleEntity),
+                                  QLatin1String(roles.personEntity), QLatin1String(roles.personKey),
+                                  ZTItem::MissingRole::Unset);
+}
+
 QVariantList ZTComic::artistRoleDicts() const
 {
     return roleDictsForOids(m_artistRoleOids, QLatin1String(ZTRoleEntities::artist.roleEntity),
@@ -70,9 +70,7 @@ void ZTComic::setArtistRoleDicts(const QVariantList &dicts)
 
 void ZTComic::setArtists(const QStringList &names)
 {
-    storeOidArray(m_artistRoleOids,
-                  roleOids(*this, plainNames(names), ZTRoleEntities::artist, MissingRole::Unset),
-                  s_artistData);
+    storeOidArray(m_artistRoleOids, roleOidsForNames(*this, names, ZTRoleEntities::artist), s_artistData);
     updateArtists();
 }
 
@@ -103,8 +101,7 @@ void ZTComic::setCharacterRoleDicts(const QVariantList &dicts)
 
 void ZTComic::setCharacters(const QStringList &names)
 {
-    storeOidArray(m_characterRoleOids,
-                  roleOids(*this, plainNames(names), ZTRoleEntities::character, MissingRole::Unset),
+    storeOidArray(m_characterRoleOids, roleOidsForNames(*this, names, ZTRoleEntities::character),
                   s_characterData);
 }
 

@@ -393,6 +393,28 @@ QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QStrin
                                          const QString &inverseKey, MissingRole missing)
 {
     Q_UNUSED(inverseKey)
+    QList<IncomingRole> entries;
+    entries.reserve(dicts.size());
+    for (const QVariant &entry : dicts) {
+        const QVariantMap map = entry.toMap();
+        entries.append({map.value(s_name).toString(), map.value(s_role)});
+    }
+    return oidArrayForRoles(entries, roleEntity, personEntity, personKey, missing);
+}
+
+QList<ZTItem::IncomingRole> ZTItem::rolesForNames(const QStringList &names)
+{
+    QList<IncomingRole> entries;
+    entries.reserve(names.size());
+    for (const QString &name : names)
+        entries.append({name, QVariant()});
+    return entries;
+}
+
+QStringList ZTItem::oidArrayForRoles(const QList<IncomingRole> &entries, const QString &roleEntity,
+                                     const QString &personEntity, const QString &personKey,
+                                     MissingRole missing)
+{
     QStringList oids;
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context)
@@ -401,12 +423,12 @@ QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QStrin
     auto &personTable = context->mutableOidTable(personEntity);
     auto &roleIndex = context->nameIndex(roleEntity);
     auto &personIndex = context->nameIndex(personEntity);
-    for (const QVariant &entry : dicts) {
-        const QVariantMap map = entry.toMap();
-        const QString name = map.value(s_name).toString();
+    static const QString unset = QStringLiteral("\x01unset");
+    static const QString nil = QStringLiteral("nil");
+    for (const auto &[name, incomingRole] : entries) {
         if (name.trimmed().isEmpty())
             continue;
-        QVariant role = map.value(s_role);
+        QVariant role = incomingRole;
         QString lookupRole;
         switch (missing) {
         case MissingRole::Empty:
@@ -417,10 +439,10 @@ QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QStrin
         case MissingRole::LiteralNil:
             // A missing or blank role looks for the text "nil", which matches
             // nothing, so a new row is made with the role as it came in.
-            lookupRole = role.toString().trimmed().isEmpty() ? QStringLiteral("nil") : role.toString();
+            lookupRole = role.toString().trimmed().isEmpty() ? nil : role.toString();
             break;
         case MissingRole::Unset:
-            lookupRole = role.isValid() && !role.isNull() ? role.toString() : QStringLiteral("\x01unset");
+            lookupRole = role.isValid() && !role.isNull() ? role.toString() : unset;
             break;
         }
         const QString key = ZTManagedObjectContext::roleIndexKey(name, lookupRole);
@@ -444,9 +466,9 @@ QStringList ZTItem::oidArrayForRoleDicts(const QVariantList &dicts, const QStrin
             row->setToOneForKey(personKey, person);
             // Index the new row under the key that a later identical entry looks up.
             const QVariant stored = static_cast<ZTSharedRole *>(row)->roleValue();
-            roleIndex.insert(ZTManagedObjectContext::roleIndexKey(
-                                 name, stored.isValid() ? stored.toString() : QStringLiteral("\x01unset")),
-                             row);
+            roleIndex.insert(
+                ZTManagedObjectContext::roleIndexKey(name, stored.isValid() ? stored.toString() : unset),
+                row);
         }
         oids << row->oid();
     }
@@ -624,58 +646,6 @@ QString ZTItem::urlWithAssociateTag(const QString &tag) const
 {
     const QVariantList links = urlDictionariesWithAssociateTag(tag);
     return links.isEmpty() ? QString() : links.first().toMap().value(QStringLiteral("url")).toString();
-}
-
-bool ZTItem::hasKey(const QString &key) const
-{
-    return accessors().contains(key) || (entity() && entity()->attributeSlot(key) >= 0);
-}
-
-QVariant ZTItem::valueForKey(const QString &key) const
-{
-    const AccessorTable &table = accessors();
-    auto it = table.constFind(key);
-    if (it != table.constEnd() && it->get)
-        return it->get(*this);
-    return ZTManagedObject::valueForKey(key);
-}
-
-ZTItem::KeyReader ZTItem::readerForKey(const QString &key) const
-{
-    KeyReader reader;
-    reader.key = key;
-    reader.entity = entity();
-    const AccessorTable &table = accessors();
-    auto it = table.constFind(key);
-    if (it != table.constEnd() && it->get)
-        reader.get = it->get;
-    else if (entity())
-        reader.slot = entity()->attributeSlot(key);
-    return reader;
-}
-
-QVariant ZTItem::KeyReader::read(const ZTItem &item) const
-{
-    // Items of another kind answer through their own tables.
-    if (item.entity() != entity)
-        return item.valueForKey(key);
-    if (get)
-        return get(item);
-    return slot >= 0 ? item.primitiveValue(slot) : QVariant();
-}
-
-void ZTItem::setValueForKey(const QVariant &value, const QString &key)
-{
-    const AccessorTable &table = accessors();
-    auto it = table.constFind(key);
-    if (it != table.constEnd()) {
-        if (it->set)
-            it->set(*this, value);
-        return;
-    }
-    if (key.endsWith(QLatin1String("Data")) || key == ZTItemKey::oid)
-        return; // blobs and identity change only through their own operations
-    ZTManagedObject::setValueForKey(value, key);
 }
 
 void ZTItem::setDate(const QString &key, const QVariant &value)

@@ -161,6 +161,15 @@ public:
     QStringList oidArrayForRoleDicts(const QVariantList &dicts, const QString &roleEntity,
                                      const QString &personEntity, const QString &personKey,
                                      const QString &inverseKey, MissingRole missing);
+    // The same from names and roles already taken out of their maps; an
+    // invalid role is a missing one.
+    struct IncomingRole {
+        QString name;
+        QVariant role;
+    };
+    static QList<IncomingRole> rolesForNames(const QStringList &names);
+    QStringList oidArrayForRoles(const QList<IncomingRole> &entries, const QString &roleEntity,
+                                 const QString &personEntity, const QString &personKey, MissingRole missing);
     QVariantList roleDictsForOids(const QStringList &oids, const QString &roleEntity,
                                   const QString &personKey) const;
     QStringList personOidsForRoleOids(const QStringList &oids, const QString &roleEntity,
@@ -215,6 +224,20 @@ protected:
     }
 
     virtual const AccessorTable &accessors() const = 0;
+
+    // Every key an item of the kind answers to, resolved once per kind: its
+    // accessor, or the slot of its stored value. One lookup serves a read, a
+    // comparison and a write of the same key.
+    struct KeyAccess {
+        const Accessor *accessor = nullptr;
+        const ZTAttribute *attribute = nullptr; // the stored attribute of that name, if any
+        int slot = -1;
+        bool settable = false; // setValueForKey may change it
+    };
+    using KeyAccessTable = QHash<QString, KeyAccess>;
+    const KeyAccessTable &keyAccess() const;
+    QVariant read(const KeyAccess &access) const;
+    void write(const KeyAccess &access, const QVariant &value);
 
     // Kind hooks.
     virtual void addDictionaryValues(QVariantMap &dictionary) const = 0;

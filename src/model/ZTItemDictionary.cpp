@@ -181,23 +181,25 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
         else if (key == ZTItemKey::dateDue)
             updateOverdueStatus();
     };
+    const KeyAccessTable &keys = keyAccess();
     for (auto it = dictionary.constBegin(); it != dictionary.constEnd(); ++it) {
         const QString &key = it.key();
         if (key == ZTItemKey::image || key == ZTItemKey::imageUrl || key == ZTItemKey::allKeys ||
             key == ZTItemKey::originalIsbn)
             continue;
-        remaining.removeAll(key);
-        if (!hasKey(key))
+        if (!remaining.isEmpty())
+            remaining.removeAll(key);
+        const auto access = keys.constFind(key);
+        if (access == keys.constEnd())
             continue;
-        const QVariant current = valueForKey(key);
+        const QVariant current = read(*access);
         QVariant incoming = it.value();
-        if (entity()) {
-            if (const ZTAttribute *a = entity()->attribute(key))
-                incoming = incoming.isValid() && !incoming.isNull() ? normalized(*a, incoming) : QVariant();
-        }
+        if (access->attribute)
+            incoming = incoming.isValid() && !incoming.isNull() ? normalized(*access->attribute, incoming)
+                                                                : QVariant();
         if (sameValue(current, incoming))
             continue;
-        setValueForKey(incoming, key);
+        write(*access, incoming);
         recompute(key);
         changed = true;
     }

@@ -34,10 +34,15 @@ ZTManagedObject *rememberedRow(qint64 &remembered, const QString &entity, const 
         }
         key = remembered;
     }
+    // The first row with the code is remembered by the context; it is nearly
+    // always the remembered one, which spares a walk over every row.
+    ZTManagedObject *first = byCode(entity, code, context);
+    if (first && first->primaryKey() == key)
+        return first;
     ZTManagedObject *row = context->objectWithPrimaryKey(entity, key);
     if (row && row->primitiveValueForKey(s_code).toString() == code)
         return row;
-    return byCode(entity, code, context);
+    return first;
 }
 } // namespace
 
