@@ -145,9 +145,12 @@ QVariantMap ZTDisplayDictionary::dictionaryFromDisplayDictionary(ZTMediaKind kin
         if (key != table.constEnd())
             dictionary.insert(*key, it.value());
     }
-    dictionary.insert(QStringLiteral("priceLocale"), defaultCurrency);
-    dictionary.insert(QStringLiteral("pricePaidLocale"), defaultCurrency);
-    dictionary.insert(QStringLiteral("lockedFlag"), 0);
+    static const QString priceLocale = QStringLiteral("priceLocale");
+    static const QString pricePaidLocale = QStringLiteral("pricePaidLocale");
+    static const QString lockedFlag = QStringLiteral("lockedFlag");
+    dictionary.insert(priceLocale, defaultCurrency);
+    dictionary.insert(pricePaidLocale, defaultCurrency);
+    dictionary.insert(lockedFlag, 0);
     return dictionary;
 }
 
@@ -157,17 +160,26 @@ QString ZTDisplayDictionary::defaultCurrency()
     return code.isEmpty() ? QStringLiteral("USD") : code;
 }
 
-QVariantMap ZTDisplayDictionary::withHandleDictionaryDefaults(const QVariantMap &dictionary)
+QVariantMap ZTDisplayDictionary::withHandleDictionaryDefaults(QVariantMap dictionary)
 {
-    QVariantMap filled = dictionary;
-    for (const char *flag : {"usedFlag", "signedFlag", "ownedFlag", "lockedFlag"})
-        if (!filled.contains(QLatin1String(flag)))
-            filled.insert(QLatin1String(flag), false);
-    for (const char *zero : {"rating", "dateObtainedBitFlag", "dateUsedBitFlag", "datePublishedBitFlag",
-                             "originalDatePublishedBitFlag"})
-        if (!filled.contains(QLatin1String(zero)))
-            filled.insert(QLatin1String(zero), 0);
-    if (filled.value(QStringLiteral("dateUsed")).isValid())
-        filled.insert(QStringLiteral("usedFlag"), true);
-    return filled;
+    static const std::array<std::pair<QString, QVariant>, 9> defaults{{
+        {QStringLiteral("usedFlag"), false},
+        {QStringLiteral("signedFlag"), false},
+        {QStringLiteral("ownedFlag"), false},
+        {QStringLiteral("lockedFlag"), false},
+        {QStringLiteral("rating"), 0},
+        {QStringLiteral("dateObtainedBitFlag"), 0},
+        {QStringLiteral("dateUsedBitFlag"), 0},
+        {QStringLiteral("datePublishedBitFlag"), 0},
+        {QStringLiteral("originalDatePublishedBitFlag"), 0},
+    }};
+    static const QString dateUsed = QStringLiteral("dateUsed");
+    for (const auto &[key, value] : defaults) {
+        const auto at = dictionary.lowerBound(key);
+        if (at == dictionary.end() || at.key() != key)
+            dictionary.insert(at, key, value);
+    }
+    if (dictionary.value(dateUsed).isValid())
+        dictionary.insert(defaults[0].first, true);
+    return dictionary;
 }

@@ -25,6 +25,6 @@ QString defaultCurrency();
 // The map that makes a blank item equal to one filled by handleDictionary:
 // the absent flags read false (an imported row without an "Owned" column is
 // not owned), absent counts 0, and a date used marks the item used.
-QVariantMap withHandleDictionaryDefaults(const QVariantMap &dictionary);
+QVariantMap withHandleDictionaryDefaults(QVariantMap dictionary);
 
 } // namespace ZTDisplayDictionary

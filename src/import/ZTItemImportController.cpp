@@ -307,9 +307,20 @@ QDateTime ZTItemImportController::parseDate(const QString &text, int formatIndex
     const QList<ZTImportDateFormat> &formats = dateDicts();
     if (formatIndex < 0 || formatIndex >= formats.size())
         formatIndex = 0;
-    const QString pattern = formats.at(formatIndex).dateFormat;
+    // The formatters are made once: an import reads the same few patterns for
+    // every row.
+    static const QList<ZTPatternDateFormatter> fullFormatters = [&formats] {
+        QList<ZTPatternDateFormatter> list;
+        for (const ZTImportDateFormat &format : formats)
+            list.append(ZTPatternDateFormatter(format.dateFormat));
+        return list;
+    }();
+    static const ZTPatternDateFormatter yearMonth(QStringLiteral("yyyy/MM"));
+    static const ZTPatternDateFormatter monthYear(QStringLiteral("MM/yyyy"));
+    static const ZTPatternDateFormatter yearOnly(QStringLiteral("yyyy"));
+    const QString &pattern = formats.at(formatIndex).dateFormat;
     *bit = ZTDateBit::FullDate;
-    const QDateTime full = ZTPatternDateFormatter(pattern).dateFromString(text);
+    const QDateTime full = fullFormatters.at(formatIndex).dateFromString(text);
     if (full.isValid())
         return full;
     // Partial dates, as the export writes them for an item that knows only the
@@ -318,16 +329,14 @@ QDateTime ZTItemImportController::parseDate(const QString &text, int formatIndex
     const QList<int> runs = digitRunLengths(text);
     const bool yearFirst = pattern.startsWith(QLatin1Char('y'));
     if (runs.size() == 2 && runs.at(yearFirst ? 0 : 1) == 4) {
-        const QDateTime date =
-            ZTPatternDateFormatter(yearFirst ? QStringLiteral("yyyy/MM") : QStringLiteral("MM/yyyy"))
-                .dateFromString(text);
+        const QDateTime date = (yearFirst ? yearMonth : monthYear).dateFromString(text);
         if (date.isValid()) {
             *bit = ZTDateBit::YearMonth;
             return date;
         }
     }
     if (runs.size() == 1 && runs.first() == 4) {
-        const QDateTime date = ZTPatternDateFormatter(QStringLiteral("yyyy")).dateFromString(text);
+        const QDateTime date = yearOnly.dateFromString(text);
         if (date.isValid()) {
             *bit = ZTDateBit::Year;
             return date;
@@ -414,21 +423,22 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &r
 }
 
 QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
-                                                   const ZTImportDateBits &dateBits) const
+                                                   const ZTImportDateBits &dateBits,
+                                                   const SaveContext &shared) const
 {
-    QVariantMap dictionary = ZTDisplayDictionary::dictionaryFromDisplayDictionary(
-        m_kind, display, ZTDisplayDictionary::defaultCurrency());
+    QVariantMap dictionary =
+        ZTDisplayDictionary::dictionaryFromDisplayDictionary(m_kind, display, shared.currency);
     const QHash<QString, QString> &keys = ZTDisplayDictionary::labelToKey(m_kind);
     for (const auto &[title, bit] : dateBits) {
         const QString bitKey = ZTDateUtil::bitFlagKeyForDateKey(keys.value(title));
         if (!bitKey.isEmpty())
             dictionary.insert(bitKey, bit.value());
     }
-    dictionary = ZTDisplayDictionary::withHandleDictionaryDefaults(dictionary);
+    dictionary = ZTDisplayDictionary::withHandleDictionaryDefaults(std::move(dictionary));
     // A loan is made only for a row that says it is lent out. The name is read
     // from a "Lent To" title, which the importable titles do not offer ("Lent
     // To Name" is one), so imported loans come without a name.
-    if (display.value(ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))).toLongLong() != 0) {
+    if (display.value(shared.lentOutLabel).toLongLong() != 0) {
         const QList<QPair<QString, const char *>> lending{{QStringLiteral("lentToName"), "Lent To"},
                                                           {QStringLiteral("lentToEmail"), "Lent To Email"},
                                                           {QStringLiteral("dateLent"), "Date Lent"},
@@ -442,10 +452,10 @@ QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
     return dictionary;
 }
 
-void ZTItemImportController::applyLending(ZTItem *item, const QVariantMap &display) const
+void ZTItemImportController::applyLending(ZTItem *item, const QVariantMap &display,
+                                          const SaveContext &shared) const
 {
-    if (display.value(ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))).toLongLong() == 0 ||
-        item->isLentOut())
+    if (display.value(shared.lentOutLabel).toLongLong() == 0 || item->isLentOut())
         return;
     // Lent out with no detail at all: the loan still has to exist.
     ZTManagedObjectContext *context = item->managedObjectContext();
@@ -479,15 +489,17 @@ ZTItemImportController::SaveResult ZTItemImportController::save(int *added)
     QList<const ZTTypedAttribute *> attributes;
     for (const ZTImportColumn &column : std::as_const(m_keyDicts))
         attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
+    const SaveContext shared{ZTDisplayDictionary::defaultCurrency(),
+                             ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))};
     for (const ZTImportRow &row : std::as_const(m_rows)) {
         ZTImportDateBits dateBits;
         const QVariantMap display = displayDictionaryForRow(row, attributes, &dateBits);
         if (display.isEmpty())
             continue;
-        ZTItem *item = m_document->addItemFromDictionary(itemDictionary(display, dateBits));
+        ZTItem *item = m_document->addItemFromDictionary(itemDictionary(display, dateBits, shared));
         if (!item)
             continue;
-        applyLending(item, display);
+        applyLending(item, display, shared);
         ++count;
     }
     if (mainList)

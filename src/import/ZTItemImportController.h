@@ -106,8 +106,14 @@ private:
                                         const QList<const ZTTypedAttribute *> &attributes,
                                         ZTImportDateBits *dateBits);
     void validateTable(const QList<QStringList> &lines);
-    QVariantMap itemDictionary(const QVariantMap &display, const ZTImportDateBits &dateBits) const;
-    void applyLending(ZTItem *item, const QVariantMap &display) const;
+    // What every row of one save shares, worked out once.
+    struct SaveContext {
+        QString currency;
+        QString lentOutLabel;
+    };
+    QVariantMap itemDictionary(const QVariantMap &display, const ZTImportDateBits &dateBits,
+                               const SaveContext &shared) const;
+    void applyLending(ZTItem *item, const QVariantMap &display, const SaveContext &shared) const;
 
     ZTDocument *m_document = nullptr;
     ZTMediaKind m_kind = ZTMediaKind::Book;

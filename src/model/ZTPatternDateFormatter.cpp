@@ -37,9 +37,23 @@ QList<ZTPatternDateFormatter::Segment> ZTPatternDateFormatter::segments(const QS
     return result;
 }
 
-static QString padded(int number, int width)
+// Appends the number in ASCII digits, with leading zeros up to the width.
+static void appendPadded(QString &text, int number, int width)
 {
-    return QStringLiteral("%1").arg(number, width, 10, QLatin1Char('0'));
+    char digits[16];
+    int count = 0;
+    const bool negative = number < 0;
+    unsigned value = negative ? 0u - unsigned(number) : unsigned(number);
+    do {
+        digits[count++] = char('0' + value % 10);
+        value /= 10;
+    } while (value != 0 && count < int(sizeof digits));
+    if (negative)
+        text += QLatin1Char('-');
+    for (int i = count; i < width; ++i)
+        text += QLatin1Char('0');
+    while (count > 0)
+        text += QLatin1Char(digits[--count]);
 }
 
 QString ZTPatternDateFormatter::stringFromDate(const QDate &date) const
@@ -47,20 +61,21 @@ QString ZTPatternDateFormatter::stringFromDate(const QDate &date) const
     if (!date.isValid())
         return QString();
     QString text;
+    text.reserve(m_dateFormat.size() + 4);
     for (const Segment &segment : m_segments) {
         switch (segment.kind) {
         case Segment::Literal:
             text += segment.literal;
             break;
         case Segment::Day:
-            text += padded(date.day(), std::min(segment.width, 2));
+            appendPadded(text, date.day(), std::min(segment.width, 2));
             break;
         case Segment::Month:
-            text += padded(date.month(), std::min(segment.width, 2));
+            appendPadded(text, date.month(), std::min(segment.width, 2));
             break;
         case Segment::Year: {
             const int year = ZTDateFormatter::eraYear(date);
-            text += segment.width == 2 ? padded(year % 100, 2) : padded(year, segment.width);
+            appendPadded(text, segment.width == 2 ? year % 100 : year, segment.width);
             break;
         }
         }
