@@ -189,8 +189,10 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
             continue;
         if (!remaining.isEmpty())
             remaining.removeAll(key);
+        // Keys the item computes or guards (its identity, stored blobs) cannot
+        // be changed from a map, so they count as no change.
         const auto access = keys.constFind(key);
-        if (access == keys.constEnd())
+        if (access == keys.constEnd() || !access->settable)
             continue;
         const QVariant current = read(*access);
         QVariant incoming = it.value();

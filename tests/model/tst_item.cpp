@@ -59,6 +59,61 @@ private Q_SLOTS:
         QVERIFY(!album->takeAttributesFromDictionary({{QStringLiteral("noSuchKey"), 1}}));
     }
 
+    void identityBlobsAndReadOnlyKeysIgnoreWrites()
+    {
+        ZTLibraryFixture fixture(ZTMediaKind::Book);
+        auto document = fixture.open();
+        ZTBook *book = newBook(*document, {{QStringLiteral("authors"), QStringList{QStringLiteral("Ann")}}});
+        const QString oid = book->oid();
+        const QStringList authorOids = book->valueForKey(QStringLiteral("authorOids")).toStringList();
+        QCOMPARE(authorOids.size(), 1);
+        book->setValueForKey(QStringLiteral("x"), QStringLiteral("oid"));
+        book->setValueForKey(QByteArray("\x01"), QStringLiteral("toAuthorData"));
+        book->setValueForKey(QStringList{QStringLiteral("y")}, QStringLiteral("authorOids"));
+        QVERIFY(!book->takeAttributesFromDictionary({{QStringLiteral("oid"), QStringLiteral("z")}}));
+        QCOMPARE(book->oid(), oid);
+        QCOMPARE(book->valueForKey(QStringLiteral("authorOids")).toStringList(), authorOids);
+        QVERIFY(!book->primitiveValueForKey(QStringLiteral("toAuthorData")).isValid());
+        QVERIFY(book->hasKey(QStringLiteral("authorOids")) && book->hasKey(QStringLiteral("title")));
+        QVERIFY(!book->hasKey(QStringLiteral("artists")));
+    }
+
+    void readersAnswerAsValueForKeyDoes()
+    {
+        // Every stored and computed key of every kind, through both doors.
+        for (ZTMediaKind kind :
+             {ZTMediaKind::Book, ZTMediaKind::Album, ZTMediaKind::Movie, ZTMediaKind::Comic}) {
+            ZTLibraryFixture fixture(kind);
+            auto document = fixture.open();
+            ZTItem *item = document->addItemFromDictionary(
+                {{QStringLiteral("title"), QStringLiteral("The Title")},
+                 {QStringLiteral("genre"), QStringLiteral("Jazz")},
+                 {QStringLiteral("price"), 9.5},
+                 {QStringLiteral("pages"), 120},
+                 {QStringLiteral("authors"), QStringList{QStringLiteral("Ann")}},
+                 {QStringLiteral("artists"), QStringList{QStringLiteral("Bo")}},
+                 {QStringLiteral("actors"), QStringList{QStringLiteral("Cy")}},
+                 {QStringLiteral("keywords"), QStringList{QStringLiteral("kw")}}});
+            QVERIFY(item);
+            QStringList keys;
+            for (const ZTAttribute &attribute : item->entity()->attributes)
+                keys << attribute.name;
+            keys << QStringLiteral("authors") << QStringLiteral("artists") << QStringLiteral("actors")
+                 << QStringLiteral("keywords") << QStringLiteral("locale") << QStringLiteral("noSuchKey");
+            int filled = 0;
+            for (const QString &key : std::as_const(keys)) {
+                const QVariant direct = item->valueForKey(key);
+                QCOMPARE(item->readerForKey(key).read(*item), direct);
+                if (item->entity()->attributeSlot(key) >= 0 || direct.isValid())
+                    QVERIFY2(item->hasKey(key), qPrintable(key));
+                filled += direct.isValid() ? 1 : 0;
+            }
+            QVERIFY(!item->hasKey(QStringLiteral("noSuchKey")));
+            QCOMPARE(item->valueForKey(QStringLiteral("title")).toString(), QStringLiteral("The Title"));
+            QVERIFY2(filled > 10, qPrintable(QString::number(filled)));
+        }
+    }
+
     void dictionaryFormSurvivesSaveAndReopen_data()
     {
         QTest::addColumn<int>("kind");
