@@ -17,7 +17,9 @@
 #include <QSet>
 #include <QVarLengthArray>
 
+#include <future>
 #include <limits>
+#include <vector>
 
 namespace {
 QString tr(const char *text)
@@ -358,23 +360,36 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &r
                                                             ZTImportDateBits *dateBits)
 {
     // The attribute of each column is looked up once per row, not per value.
+    const QList<const ZTTypedAttribute *> attributes = columnAttributes();
+    return displayDictionaryForRow(row, attributes, dateBits);
+}
+
+QList<const ZTTypedAttribute *> ZTItemImportController::columnAttributes()
+{
     QList<const ZTTypedAttribute *> attributes;
     attributes.reserve(m_keyDicts.size());
-    for (const ZTImportColumn &column : std::as_const(m_keyDicts))
-        attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
-    return displayDictionaryForRow(row, attributes, dateBits);
+    for (ZTImportColumn &column : m_keyDicts) {
+        const ZTTypedAttribute *attribute = column.state ? attributeForTitle(column.toColumn) : nullptr;
+        // A date column without a chosen format reads with the first one, and
+        // says so from then on.
+        if (attribute && !attribute->toMany && attribute->type == QLatin1String("date") &&
+            (!column.value.isValid() || column.value.toString().isEmpty()))
+            column.value = 0;
+        attributes << attribute;
+    }
+    return attributes;
 }
 
 QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &row,
                                                             const QList<const ZTTypedAttribute *> &attributes,
-                                                            ZTImportDateBits *dateBits)
+                                                            ZTImportDateBits *dateBits) const
 {
     QVariantMap display;
     // Columns whose text becomes a number or a flag, by title, the later of two
     // columns for one title replacing the earlier; a row has few of them.
     QVarLengthArray<std::pair<QString, const ZTTypedAttribute *>, 8> converted;
     for (qsizetype i = 0; i < m_keyDicts.size(); ++i) {
-        ZTImportColumn &column = m_keyDicts[i];
+        const ZTImportColumn &column = m_keyDicts[i];
         const ZTTypedAttribute *attribute = attributes.at(i);
         if (!column.state || !attribute)
             continue;
@@ -390,8 +405,6 @@ QVariantMap ZTItemImportController::displayDictionaryForRow(const ZTImportRow &r
                 values << cell->split(delimiter);
             display.insert(column.toColumn, values);
         } else if (attribute->type == QLatin1String("date")) {
-            if (!column.value.isValid() || column.value.toString().isEmpty())
-                column.value = 0;
             ZTDateBit bit;
             const QDateTime date = parseDate(*cell, column.value.toInt(), &bit);
             if (date.isValid()) {
@@ -452,10 +465,9 @@ QVariantMap ZTItemImportController::itemDictionary(const QVariantMap &display,
     return dictionary;
 }
 
-void ZTItemImportController::applyLending(ZTItem *item, const QVariantMap &display,
-                                          const SaveContext &shared) const
+void ZTItemImportController::applyLending(ZTItem *item) const
 {
-    if (display.value(shared.lentOutLabel).toLongLong() == 0 || item->isLentOut())
+    if (item->isLentOut())
         return;
     // Lent out with no detail at all: the loan still has to exist.
     ZTManagedObjectContext *context = item->managedObjectContext();
@@ -481,26 +493,62 @@ ZTItemImportController::SaveResult ZTItemImportController::save(int *added)
     if (!anyColumn)
         return SaveResult::NoColumnsSelected;
 
+    const QList<const ZTTypedAttribute *> attributes = columnAttributes();
+    const SaveContext shared{ZTDisplayDictionary::defaultCurrency(),
+                             ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))};
+    // Turning rows into item maps needs nothing but the rows and the columns,
+    // so a helper thread does it a batch ahead while this one adds the items
+    // of the batch before: a large file comes in in little more than the time
+    // the items take.
+    struct ConvertedRow {
+        QVariantMap dictionary;
+        bool lentOut = false;
+    };
+    // Each batch also takes the maps of the one before it to free, so that
+    // memory goes back on the thread that took it.
+    auto convert = [this, &attributes, &shared](qsizetype begin, qsizetype end,
+                                                std::vector<ConvertedRow> done) {
+        done.clear();
+        std::vector<ConvertedRow> converted;
+        converted.reserve(size_t(end - begin));
+        for (qsizetype i = begin; i < end; ++i) {
+            ZTImportDateBits dateBits;
+            const QVariantMap display = displayDictionaryForRow(m_rows.at(i), attributes, &dateBits);
+            if (display.isEmpty())
+                continue;
+            converted.push_back({itemDictionary(display, dateBits, shared),
+                                 display.value(shared.lentOutLabel).toLongLong() != 0});
+        }
+        return converted;
+    };
+    constexpr qsizetype batch = 512;
+    const qsizetype rowCount = m_rows.size();
+    auto startBatch = [&](qsizetype begin, std::vector<ConvertedRow> done) {
+        const qsizetype end = std::min(rowCount, begin + batch);
+        return rowCount > batch ? std::async(std::launch::async, convert, begin, end, std::move(done))
+                                : std::async(std::launch::deferred, convert, begin, end, std::move(done));
+    };
+
     int count = 0;
     // The main list takes every new item at its front; it is written out once.
     ZTList *mainList = m_document->mainList();
     if (mainList)
         mainList->beginUpdates();
-    QList<const ZTTypedAttribute *> attributes;
-    for (const ZTImportColumn &column : std::as_const(m_keyDicts))
-        attributes << (column.state ? attributeForTitle(column.toColumn) : nullptr);
-    const SaveContext shared{ZTDisplayDictionary::defaultCurrency(),
-                             ZTAttributeTables::localizedLabel(QStringLiteral("Lent Out"))};
-    for (const ZTImportRow &row : std::as_const(m_rows)) {
-        ZTImportDateBits dateBits;
-        const QVariantMap display = displayDictionaryForRow(row, attributes, &dateBits);
-        if (display.isEmpty())
-            continue;
-        ZTItem *item = m_document->addItemFromDictionary(itemDictionary(display, dateBits, shared));
-        if (!item)
-            continue;
-        applyLending(item, display, shared);
-        ++count;
+    std::future<std::vector<ConvertedRow>> next = startBatch(0, {});
+    std::vector<ConvertedRow> previous;
+    for (qsizetype begin = 0; begin < rowCount; begin += batch) {
+        std::vector<ConvertedRow> current = next.get();
+        if (begin + batch < rowCount)
+            next = startBatch(begin + batch, std::move(previous));
+        for (const ConvertedRow &row : current) {
+            ZTItem *item = m_document->addItemFromDictionary(row.dictionary);
+            if (!item)
+                continue;
+            if (row.lentOut)
+                applyLending(item);
+            ++count;
+        }
+        previous = std::move(current);
     }
     if (mainList)
         mainList->endUpdates();

@@ -102,9 +102,12 @@ public:
     static QDateTime parseDate(const QString &text, int formatIndex, ZTDateBit *bit);
 
 private:
+    // The attribute of each chosen column (null for the others); a date column
+    // without a format is given the first.
+    QList<const ZTTypedAttribute *> columnAttributes();
     QVariantMap displayDictionaryForRow(const ZTImportRow &row,
                                         const QList<const ZTTypedAttribute *> &attributes,
-                                        ZTImportDateBits *dateBits);
+                                        ZTImportDateBits *dateBits) const;
     void validateTable(const QList<QStringList> &lines);
     // What every row of one save shares, worked out once.
     struct SaveContext {
@@ -113,7 +116,8 @@ private:
     };
     QVariantMap itemDictionary(const QVariantMap &display, const ZTImportDateBits &dateBits,
                                const SaveContext &shared) const;
-    void applyLending(ZTItem *item, const QVariantMap &display, const SaveContext &shared) const;
+    // Gives an item from a row marked lent out its loan, when the row did not.
+    void applyLending(ZTItem *item) const;
 
     ZTDocument *m_document = nullptr;
     ZTMediaKind m_kind = ZTMediaKind::Book;
