@@ -52,6 +52,19 @@ const QStringList &commonDictionaryKeys()
     return keys;
 }
 
+// A map's every key is tested against a few names: the lengths settle most.
+bool sameText(const QString &a, const QString &b)
+{
+    return a.size() == b.size() && a == b;
+}
+
+// Keys a map may carry that say how to take it rather than what the item holds.
+bool ignoredInMaps(const QString &key)
+{
+    return sameText(key, ZTItemKey::image) || sameText(key, ZTItemKey::imageUrl) ||
+           sameText(key, ZTItemKey::allKeys) || sameText(key, ZTItemKey::originalIsbn);
+}
+
 bool isListLike(const QVariant &v)
 {
     return v.typeId() == QMetaType::QVariantList || v.typeId() == QMetaType::QStringList;
@@ -176,16 +189,15 @@ bool ZTItem::takeAttributesFromDictionary(const QVariantMap &dictionary)
     // Every derived value is recomputed at the end; these two are needed at once
     // by later keys of the same map.
     auto recompute = [this](const QString &key) {
-        if (key == ZTItemKey::title || key == ZTItemKey::locale)
+        if (sameText(key, ZTItemKey::title) || sameText(key, ZTItemKey::locale))
             updateTitleWithoutLeadingArticle();
-        else if (key == ZTItemKey::dateDue)
+        else if (sameText(key, ZTItemKey::dateDue))
             updateOverdueStatus();
     };
     const KeyAccessTable &keys = keyAccess();
     for (auto it = dictionary.constBegin(); it != dictionary.constEnd(); ++it) {
         const QString &key = it.key();
-        if (key == ZTItemKey::image || key == ZTItemKey::imageUrl || key == ZTItemKey::allKeys ||
-            key == ZTItemKey::originalIsbn)
+        if (ignoredInMaps(key))
             continue;
         if (!remaining.isEmpty())
             remaining.removeAll(key);
