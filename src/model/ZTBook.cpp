@@ -105,42 +105,66 @@ void ZTBook::buildAuthorArrays() const
     ZTManagedObjectContext *context = managedObjectContext();
     if (!context || m_authorRoleOids.isEmpty())
         return;
+    static const QString roleEntity = QLatin1String(s_roles.roleEntity);
     const auto &tables = context->oidObjectDictionary();
-    const auto roles = tables.constFind(QLatin1String(s_roles.roleEntity));
+    const auto roles = tables.constFind(roleEntity);
     if (roles == tables.constEnd())
         return;
     // Books share their author rows, and a row's forms depend only on its
     // name and role: they are made once per row and thread, and made again
-    // only when the row's name or role is no longer what it was.
+    // only when the row's name or role is no longer what it was. A book with
+    // one author (most of them) shares the row's one-entry lists outright.
     struct Forms {
         QString name;
         QString role;
-        QString plain;
-        QString sorted;
+        QStringList plain;
+        QStringList sorted;
     };
     thread_local QHash<const ZTManagedObject *, Forms> known;
     if (known.size() > 100000)
         known.clear();
     static thread_local ZTSlotMemo personMemo, nameMemo, roleMemo;
     static const QString personKey = QLatin1String(s_roles.personKey);
-    m_authorsWithTypes.reserve(m_authorRoleOids.size());
-    m_authorsWithTypesByLastNameFirstName.reserve(m_authorRoleOids.size());
+    // The stored text itself, read without copying it.
+    auto text = [](const ZTManagedObject *row, const QString &key, ZTSlotMemo &memo) -> const QString * {
+        static const QString none;
+        if (!row)
+            return &none;
+        if (memo.entity != row->entity()) {
+            memo.slot = row->entity() ? row->entity()->attributeSlot(key) : -1;
+            memo.entity = row->entity();
+        }
+        const QVariant *value = row->primitiveValuePointer(memo.slot);
+        if (!value || value->typeId() != QMetaType::QString)
+            return &none;
+        return static_cast<const QString *>(value->constData());
+    };
+    const bool single = m_authorRoleOids.size() == 1;
+    if (!single) {
+        m_authorsWithTypes.reserve(m_authorRoleOids.size());
+        m_authorsWithTypesByLastNameFirstName.reserve(m_authorRoleOids.size());
+    }
     for (const QString &oid : m_authorRoleOids) {
         const ZTManagedObject *row = roles->value(oid, nullptr);
         if (!row)
             continue;
         const ZTManagedObject *person = row->toOneForKey(personKey, personMemo);
-        const QString name = person ? person->primitiveValueForKey(s_name, nameMemo).toString() : QString();
-        const QString role = row->primitiveValueForKey(s_role, roleMemo).toString();
+        const QString &name = *text(person, s_name, nameMemo);
+        const QString &role = *text(row, s_role, roleMemo);
         auto it = known.find(row);
         if (it == known.end() || it->name != name || it->role != role) {
             const ZTItemText::AuthorArrays one =
                 ZTItemText::authorArrays(QList<ZTItemText::NameAndRole>{{name, role}});
-            it = known.insert(row, {name, role, one.authorsWithTypes.value(0),
-                                    one.authorsWithTypesByLastNameFirstName.value(0)});
+            it = known.insert(row, {name, role, QStringList{one.authorsWithTypes.value(0)},
+                                    QStringList{one.authorsWithTypesByLastNameFirstName.value(0)}});
         }
-        m_authorsWithTypes.append(it->plain);
-        m_authorsWithTypesByLastNameFirstName.append(it->sorted);
+        if (single) {
+            m_authorsWithTypes = it->plain;
+            m_authorsWithTypesByLastNameFirstName = it->sorted;
+        } else {
+            m_authorsWithTypes.append(it->plain.first());
+            m_authorsWithTypesByLastNameFirstName.append(it->sorted.first());
+        }
     }
 }
 
