@@ -58,7 +58,7 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     QTemporaryDir dir;
     ZTSettings::setFilePath(dir.filePath(QStringLiteral("settings.ini")));
-    const int rows = argc > 1 ? QByteArray(argv[1]).toInt() : 100000;
+    const int rows = argc > 1 ? std::max(1, QByteArray(argv[1]).toInt()) : 100000;
     const QByteArray file = makeFile(rows);
     // ZT_BENCH_ROUNDS=N imports the file N times, each into a new library, and
     // prints the median as well: this machine's speed wanders between runs.
