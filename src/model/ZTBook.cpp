@@ -128,13 +128,7 @@ void ZTBook::buildAuthorArrays() const
     // The stored text itself, read without copying it.
     auto text = [](const ZTManagedObject *row, const QString &key, ZTSlotMemo &memo) -> const QString * {
         static const QString none;
-        if (!row)
-            return &none;
-        if (memo.entity != row->entity()) {
-            memo.slot = row->entity() ? row->entity()->attributeSlot(key) : -1;
-            memo.entity = row->entity();
-        }
-        const QVariant *value = row->primitiveValuePointer(memo.slot);
+        const QVariant *value = row ? row->primitiveValuePointerForKey(key, memo) : nullptr;
         if (!value || value->typeId() != QMetaType::QString)
             return &none;
         return static_cast<const QString *>(value->constData());

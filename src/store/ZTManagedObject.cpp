@@ -82,13 +82,19 @@ QVariant ZTManagedObject::primitiveValueForKey(const QString &key) const
 
 QVariant ZTManagedObject::primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const
 {
+    const QVariant *value = primitiveValuePointerForKey(key, memo);
+    return value ? *value : QVariant();
+}
+
+const QVariant *ZTManagedObject::primitiveValuePointerForKey(const QString &key, ZTSlotMemo &memo) const
+{
     if (!m_entity)
-        return {};
+        return nullptr;
     if (memo.entity != m_entity) {
         memo.slot = m_entity->attributeSlot(key);
         memo.entity = m_entity;
     }
-    return primitiveValue(memo.slot);
+    return primitiveValuePointer(memo.slot);
 }
 
 void ZTManagedObject::setPrimitiveValueForKey(const QVariant &value, const QString &key)

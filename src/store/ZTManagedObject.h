@@ -58,6 +58,8 @@ public:
     void prefetchValues(PrefetchTexts texts = PrefetchTexts::No) const;
     QVariant primitiveValueForKey(const QString &key) const;
     QVariant primitiveValueForKey(const QString &key, ZTSlotMemo &memo) const;
+    // The stored value of the key itself, or null: primitiveValuePointer by name.
+    const QVariant *primitiveValuePointerForKey(const QString &key, ZTSlotMemo &memo) const;
     void setPrimitiveValueForKey(const QVariant &value, const QString &key);
 
     ZTManagedObject *toOne(int slot) const;
