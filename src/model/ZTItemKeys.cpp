@@ -9,6 +9,8 @@
 
 const ZTItem::KeyAccessTable &ZTItem::keyAccess() const
 {
+    // Every item is made by its context for an entity; one without answers
+    // to nothing.
     static const KeyAccessTable none;
     const ZTEntity *kind = entity();
     if (!kind)
@@ -64,17 +66,11 @@ void ZTItem::write(const KeyAccess &access, const QVariant &value)
 
 bool ZTItem::hasKey(const QString &key) const
 {
-    if (!entity())
-        return accessors().contains(key);
     return keyAccess().contains(key);
 }
 
 QVariant ZTItem::valueForKey(const QString &key) const
 {
-    if (!entity()) {
-        const auto it = accessors().constFind(key);
-        return it != accessors().constEnd() && it->get ? it->get(*this) : QVariant();
-    }
     const KeyAccessTable &table = keyAccess();
     const auto it = table.constFind(key);
     return it == table.constEnd() ? QVariant() : read(*it);
@@ -82,12 +78,6 @@ QVariant ZTItem::valueForKey(const QString &key) const
 
 void ZTItem::setValueForKey(const QVariant &value, const QString &key)
 {
-    if (!entity()) {
-        const auto it = accessors().constFind(key);
-        if (it != accessors().constEnd() && it->set)
-            it->set(*this, value);
-        return;
-    }
     const KeyAccessTable &table = keyAccess();
     const auto it = table.constFind(key);
     if (it != table.constEnd())
