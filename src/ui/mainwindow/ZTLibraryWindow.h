@@ -130,6 +130,8 @@ private:
     void showDocument();
     ZTListViewState viewState() const;
     void buildViews();
+    // The width a column starts with before the user resizes it.
+    static int standardWidth(const QString &identifier);
     void applyColumns(ZTItemTableView *table);
     void showColumnMenu(const QPoint &pos);
     void toggleColumn(const QString &identifier);
