@@ -6,65 +6,89 @@
 #include <QMap>
 #include <QSet>
 
-
-ZTLibraryCaches ZTLibraryCaches::fromFilterDictionary(const QVariantMap &filter,
-                                                      const ZTCacheableAttributes &attributes, Target target)
+ZTLibraryCaches ZTLibraryCaches::fromTally(ZTListTally tally, Target target)
 {
     ZTLibraryCaches caches;
-    const QVariantMap counts = filter.value(ZTCacheKey::count).toMap();
-    QVariantMap countResult;
-    for (const QString &key : attributes.all) {
-        const bool isBoolean = attributes.boolean.contains(key);
-        QVariantList values = filter.value(key).toList();
-        if (isBoolean && values.isEmpty())
-            values = {ZTCacheKey::yes, ZTCacheKey::no};
-        const QVariantMap keyCounts = counts.value(key).toMap();
-        QVariantMap keyCountResult;
-        QVariantList tags;
-        tags.reserve(values.size());
-        for (const QVariant &value : std::as_const(values)) {
-            const QString text = value.toString();
-            const int n = keyCounts.value(text).toInt();
-            tags << QVariantMap{{ZTCacheKey::tag, value}, {ZTCacheKey::tagCount, n}};
-            keyCountResult.insert(text, n);
-        }
-        const int blank = keyCounts.value(ZTCacheKey::emptyTag).toInt();
-        if (blank > 0)
-            keyCountResult.insert(ZTCacheKey::emptyTag, blank);
-        caches.m_cacheDictionary.insert(key, values);
-        caches.m_tagDictionary.insert(key, tags);
-        countResult.insert(key, keyCountResult);
-    }
-    caches.m_cacheDictionary.insert(ZTCacheKey::count, countResult);
-    caches.m_tagDictionary.insert(ZTCacheKey::count, countResult);
-    if (target == Target::Main) {
-        caches.m_cacheDictionary.insert(ZTCacheKey::personName,
-                                        filter.value(ZTCacheKey::personName).toStringList());
-        caches.m_cacheDictionary.insert(ZTCacheKey::allLanguages,
-                                        filter.value(ZTCacheKey::allLanguages).toStringList());
-    }
+    caches.m_tally = std::move(tally);
+    caches.m_target = target;
+    caches.m_counted = true;
     return caches;
 }
 
 ZTLibraryCaches ZTLibraryCaches::empty(const ZTCacheableAttributes &attributes)
 {
     ZTLibraryCaches caches;
-    for (const QString &key : attributes.all) {
-        caches.m_cacheDictionary.insert(key, QVariantList());
-        caches.m_tagDictionary.insert(key, QVariantList());
-    }
+    caches.m_tally.keys = attributes.all;
+    caches.m_tally.columns.resize(size_t(attributes.all.size()));
     return caches;
+}
+
+QVariantMap ZTLibraryCaches::countDictionary() const
+{
+    QVariantMap result;
+    for (qsizetype k = 0; k < m_tally.keys.size(); ++k) {
+        const ZTValueTally &column = m_tally.columns[size_t(k)];
+        QVariantMap counts;
+        for (qsizetype i = 0; i < column.values.size(); ++i)
+            counts.insert(column.values[i], int(column.counts[size_t(i)]));
+        if (column.blankCount > 0)
+            counts.insert(ZTCacheKey::emptyTag, int(column.blankCount));
+        result.insert(m_tally.keys[k], counts);
+    }
+    return result;
+}
+
+const QVariantMap &ZTLibraryCaches::cacheDictionary() const
+{
+    if (m_cacheDictionary)
+        return *m_cacheDictionary;
+    QVariantMap &result = m_cacheDictionary.emplace();
+    for (qsizetype k = 0; k < m_tally.keys.size(); ++k) {
+        QVariantList values;
+        values.reserve(m_tally.columns[size_t(k)].values.size());
+        for (const QString &value : m_tally.columns[size_t(k)].values)
+            values << value;
+        result.insert(m_tally.keys[k], values);
+    }
+    if (!m_counted)
+        return result;
+    result.insert(ZTCacheKey::count, countDictionary());
+    if (m_target == Target::Main) {
+        result.insert(ZTCacheKey::personName, m_tally.personNames);
+        result.insert(ZTCacheKey::allLanguages, m_tally.languages);
+    }
+    return result;
+}
+
+const QVariantMap &ZTLibraryCaches::tagDictionary() const
+{
+    if (m_tagDictionary)
+        return *m_tagDictionary;
+    QVariantMap &result = m_tagDictionary.emplace();
+    for (qsizetype k = 0; k < m_tally.keys.size(); ++k) {
+        const ZTValueTally &column = m_tally.columns[size_t(k)];
+        QVariantList tags;
+        tags.reserve(column.values.size());
+        for (qsizetype i = 0; i < column.values.size(); ++i)
+            tags << QVariantMap{{ZTCacheKey::tag, column.values[i]},
+                                {ZTCacheKey::tagCount, int(column.counts[size_t(i)])}};
+        result.insert(m_tally.keys[k], tags);
+    }
+    if (m_counted)
+        result.insert(ZTCacheKey::count, countDictionary());
+    return result;
 }
 
 QStringList ZTLibraryCaches::stringValues(const QString &key) const
 {
-    QStringList result;
-    for (const QVariant &value : m_cacheDictionary.value(key).toList())
-        result << value.toString();
-    return result;
+    const ZTValueTally *column = m_tally.column(key);
+    return column ? column->values : QStringList();
 }
 
 int ZTLibraryCaches::count(const QString &key, const QString &value) const
 {
-    return m_cacheDictionary.value(ZTCacheKey::count).toMap().value(key).toMap().value(value).toInt();
+    const ZTValueTally *column = m_tally.column(key);
+    if (!column)
+        return 0;
+    return int(value == ZTCacheKey::emptyTag ? column->blankCount : column->count(value));
 }

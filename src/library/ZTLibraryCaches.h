@@ -5,7 +5,10 @@
 #include <QStringList>
 #include <QVariantMap>
 
-class ZTItem;
+#include "lists/ZTListTally.h"
+
+#include <optional>
+
 struct ZTCacheableAttributes;
 
 namespace ZTCacheKey {
@@ -21,30 +24,35 @@ inline const QString no = QStringLiteral("No");
 } // namespace ZTCacheKey
 
 // The value caches of a set of items: per cacheable key the distinct values in
-// display order (what the browser and the completion offer) and the tag form
-// with counts (what the tag view and the count bars show). They are rebuilt
-// whole from a filter dictionary, never patched.
+// display order (what the browser and the completion offer) and how many items
+// hold each (what the tag view and the count bars show). They are rebuilt whole
+// from a list's tally, never patched. The dictionary forms the sheets read are
+// made from the tally when first asked for, not at every rebuild.
 class ZTLibraryCaches {
 public:
     enum class Target { Main, Sub };
 
-    // Builds the caches from the filter dictionary of a list: per key the sorted
-    // values, and under "[[[COUNT]]]" per key a map of value to count (counts
-    // may be numbers or decimal texts). The main cache also keeps the borrower
-    // names and the languages.
-    static ZTLibraryCaches fromFilterDictionary(const QVariantMap &filter,
-                                                const ZTCacheableAttributes &attributes, Target target);
+    // The main cache also keeps the borrower names and the languages.
+    static ZTLibraryCaches fromTally(ZTListTally tally, Target target);
     // Every key present with no values: the sub caches while the main list shows.
     static ZTLibraryCaches empty(const ZTCacheableAttributes &attributes);
 
-    const QVariantMap &cacheDictionary() const { return m_cacheDictionary; }
-    const QVariantMap &tagDictionary() const { return m_tagDictionary; }
-    QVariantList values(const QString &key) const { return m_cacheDictionary.value(key).toList(); }
+    // Per key the values; under "[[[COUNT]]]" per key a map of value to count
+    // (blanks under the empty tag); for the main cache the people and languages.
+    const QVariantMap &cacheDictionary() const;
+    // Per key a list of {"tag": value, "count": n}; "[[[COUNT]]]" as above.
+    const QVariantMap &tagDictionary() const;
+    QVariantList values(const QString &key) const { return cacheDictionary().value(key).toList(); }
     QStringList stringValues(const QString &key) const;
     // How many items have the value (emptyTag for blanks); 0 for an unknown value.
     int count(const QString &key, const QString &value) const;
 
 private:
-    QVariantMap m_cacheDictionary;
-    QVariantMap m_tagDictionary;
+    QVariantMap countDictionary() const;
+
+    ZTListTally m_tally;
+    Target m_target = Target::Sub;
+    bool m_counted = false;
+    mutable std::optional<QVariantMap> m_cacheDictionary;
+    mutable std::optional<QVariantMap> m_tagDictionary;
 };

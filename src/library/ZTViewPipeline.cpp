@@ -7,6 +7,7 @@
 #include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"
 #include "lists/ZTList.h"
+#include "lists/ZTListTally.h"
 #include "model/ZTItem.h"
 #include "scan/ZTCodeFormatter.h"
 
@@ -130,30 +131,26 @@ QStringList *ZTViewPipeline::arrayBehindView(ZTList **list)
 
 // ---- caches ----
 
-QVariantMap ZTViewPipeline::filterDictionaryForList(const ZTList &list) const
+ZTListTally ZTViewPipeline::tallyForList(const ZTList &list) const
 {
     // The caches keep values and counts, not which items hold them.
-    return list.filterDictionaryFromDocument(m_document, ZTContacts::shared().peopleFromAddressBook(), false);
+    return list.tallyFromDocument(m_document, ZTContacts::shared().peopleFromAddressBook(), false);
 }
 
 void ZTViewPipeline::updateMainCaches()
 {
-    const ZTCacheableAttributes &attributes = m_document.attributeTables().cacheableAttributesDictionary();
     if (ZTList *main = m_document.mainList())
-        m_mainCaches = ZTLibraryCaches::fromFilterDictionary(filterDictionaryForList(*main), attributes,
-                                                             ZTLibraryCaches::Target::Main);
+        m_mainCaches = ZTLibraryCaches::fromTally(tallyForList(*main), ZTLibraryCaches::Target::Main);
     else
-        m_mainCaches = ZTLibraryCaches::empty(attributes);
+        m_mainCaches = ZTLibraryCaches::empty(m_document.attributeTables().cacheableAttributesDictionary());
 }
 
 void ZTViewPipeline::updateSubCaches()
 {
-    const ZTCacheableAttributes &attributes = m_document.attributeTables().cacheableAttributesDictionary();
     if (isMainListSelected())
-        m_subCaches = ZTLibraryCaches::empty(attributes);
+        m_subCaches = ZTLibraryCaches::empty(m_document.attributeTables().cacheableAttributesDictionary());
     else
-        m_subCaches = ZTLibraryCaches::fromFilterDictionary(filterDictionaryForList(*selectedList()),
-                                                            attributes, ZTLibraryCaches::Target::Sub);
+        m_subCaches = ZTLibraryCaches::fromTally(tallyForList(*selectedList()), ZTLibraryCaches::Target::Sub);
 }
 
 const QVariantMap &ZTViewPipeline::baseTagDictionary() const

@@ -62,8 +62,8 @@ public:
     const ZTLibraryCaches &subCaches() const { return m_subCaches; }
     const QVariantMap &cacheDictionary() const { return m_mainCaches.cacheDictionary(); }
     const QVariantMap &baseTagDictionary() const;
-    // The one source of a list's filter dictionary (the caches' input).
-    QVariantMap filterDictionaryForList(const ZTList &list) const;
+    // The one pass over a list that the caches are made from.
+    ZTListTally tallyForList(const ZTList &list) const;
 
     // ---- statistics ----
     void updateItemStatistics();

@@ -7,6 +7,7 @@
 #include <QVariantMap>
 
 class ZTDocument;
+struct ZTListTally;
 
 // An ordered set of item oids. The main list (libraryFlag 1) holds every item.
 class ZTList : public ZTManagedObject {
@@ -61,6 +62,9 @@ public:
     QVariantMap filterDictionaryFromDocument(const ZTDocument &document,
                                              const QStringList &addressBookNames = {},
                                              bool withOids = true) const;
+    // The same pass, before it is put in property-list form.
+    ZTListTally tallyFromDocument(const ZTDocument &document, const QStringList &addressBookNames = {},
+                                  bool withOids = true) const;
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;

@@ -3,6 +3,7 @@
 #include <QCollator>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 const QCollator &collator()
@@ -33,23 +34,32 @@ bool ZTListCompare::equalCaseInsensitive(const QString &a, const QString &b)
     return compareCaseInsensitive(a, b) == 0;
 }
 
+std::vector<int> ZTListCompare::caseInsensitiveOrder(const QStringList &values)
+{
+    std::vector<int> order(size_t(values.size()));
+    std::iota(order.begin(), order.end(), 0);
+    if (values.size() < 2)
+        return order;
+    // Sort keys once per value rather than collating at every comparison. The
+    // keys of the C locale keep case, so the values are case-folded first.
+    std::vector<QCollatorSortKey> keys;
+    keys.reserve(size_t(values.size()));
+    for (const QString &value : values)
+        keys.push_back(collator().sortKey(value.toCaseFolded()));
+    std::stable_sort(order.begin(), order.end(), [&](int x, int y) {
+        const int o = keys[size_t(x)].compare(keys[size_t(y)]);
+        return o != 0 ? o < 0 : values[x] < values[y];
+    });
+    return order;
+}
+
 QStringList ZTListCompare::sortedCaseInsensitive(QStringList values)
 {
     if (values.size() < 2)
         return values;
-    // Sort keys once per value rather than collating at every comparison. The
-    // keys of the C locale keep case, so the values are case-folded first.
-    QList<std::pair<QCollatorSortKey, int>> keyed;
-    keyed.reserve(values.size());
-    for (int i = 0; i < values.size(); ++i)
-        keyed.append({collator().sortKey(values[i].toCaseFolded()), i});
-    std::stable_sort(keyed.begin(), keyed.end(), [&](const auto &x, const auto &y) {
-        const int order = x.first.compare(y.first);
-        return order != 0 ? order < 0 : values[x.second] < values[y.second];
-    });
     QStringList sorted;
     sorted.reserve(values.size());
-    for (const auto &entry : keyed)
-        sorted << values[entry.second];
+    for (const int i : caseInsensitiveOrder(values))
+        sorted << values[i];
     return sorted;
 }

@@ -5,6 +5,7 @@
 #include "library/ZTDocument.h"
 #include "library/ZTItemTable.h"
 #include "lists/ZTListCompare.h"
+#include "lists/ZTListTally.h"
 #include "lookup/ZTStringExtras.h"
 #include "model/ZTItem.h"
 
@@ -12,6 +13,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <numeric>
 #include <thread>
 #include <vector>
 
@@ -169,8 +171,8 @@ QString noText()
 
 } // namespace
 
-QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
-                                                 const QStringList &addressBookNames, bool withOids) const
+ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringList &addressBookNames,
+                                      bool withOids) const
 {
     const ZTCacheableAttributes &keys = document.attributeTables().cacheableAttributesDictionary();
     const QString yes = yesText();
@@ -312,6 +314,10 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
         count(tally, 0, rowCount);
     }
 
+    // Each column's values in display order, with their counts and places.
+    ZTListTally result;
+    result.keys = keys.string + keys.array + keys.number + keys.boolean;
+    result.columns.resize(size_t(result.keys.size()));
     // The oid lists are made at their full size first and filled in afterwards,
     // again in the two halves side by side, so each oid is copied by one thread.
     struct OidFill {
@@ -333,46 +339,46 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
                 job.out[it - rows.begin()] = m_itemOids.at(*it);
         }
     };
-
-    QVariantMap result;
-    QVariantMap countTable;
-    QVariantMap oidTable;
-    auto publish = [&](const QString &key, const Column &column, const QStringList &sorted) {
-        QVariantMap counts;
-        QVariantMap oids;
-        for (const QString &value : sorted) {
-            const RowSet &rows = column.rows[size_t(column.index.value(value))];
-            counts.insert(value, QString::number(rows.size));
+    qsizetype at = 0;
+    auto publish = [&](const Column &column, const std::vector<int> &order) {
+        ZTValueTally &out = result.columns[size_t(at++)];
+        const size_t n = order.size();
+        std::vector<qsizetype> rank(n);
+        out.values.reserve(qsizetype(n));
+        out.counts.reserve(n);
+        for (size_t i = 0; i < n; ++i) {
+            const RowSet &rows = column.rows[size_t(order[i])];
+            rank[size_t(order[i])] = qsizetype(i);
+            out.values << column.values[order[i]];
+            out.counts.push_back(rows.size);
             if (withOids)
-                oids.insert(value, oidsAt(rows.rows));
+                out.oids << oidsAt(rows.rows);
         }
-        if (column.hasBlank) {
-            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankRows.size));
-            if (withOids)
-                oids.insert(ZTFilterDictionaryKey::emptyTag, oidsAt(column.blankRows.rows));
-        }
-        result.insert(key, sorted);
-        countTable.insert(key, counts);
-        if (withOids)
-            oidTable.insert(key, oids);
+        // The first-seen index becomes the display place, without hashing the values again.
+        for (auto it = column.index.constBegin(); it != column.index.constEnd(); ++it)
+            out.position.insert(it.key(), rank[size_t(it.value())]);
+        out.hasBlank = column.hasBlank;
+        out.blankCount = column.blankRows.size;
+        if (withOids && column.hasBlank)
+            out.blankOids = oidsAt(column.blankRows.rows);
     };
-    for (int k = 0; k < keys.string.size(); ++k) {
-        const Column &column = tally.strings[size_t(k)];
-        publish(keys.string[k], column, ZTListCompare::sortedCaseInsensitive(column.values));
+    for (const Column &column : tally.strings)
+        publish(column, ZTListCompare::caseInsensitiveOrder(column.values));
+    for (const Column &column : tally.arrays)
+        publish(column, ZTListCompare::caseInsensitiveOrder(column.values));
+    for (const Column &column : tally.numbers) {
+        std::vector<double> numbers;
+        numbers.reserve(size_t(column.values.size()));
+        for (const QString &value : std::as_const(column.values))
+            numbers.push_back(value.toDouble());
+        std::vector<int> order(numbers.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::stable_sort(order.begin(), order.end(),
+                         [&](int a, int b) { return numbers[size_t(a)] < numbers[size_t(b)]; });
+        publish(column, order);
     }
-    for (int k = 0; k < keys.array.size(); ++k) {
-        const Column &column = tally.arrays[size_t(k)];
-        publish(keys.array[k], column, ZTListCompare::sortedCaseInsensitive(column.values));
-    }
-    for (int k = 0; k < keys.number.size(); ++k) {
-        const Column &column = tally.numbers[size_t(k)];
-        QStringList sorted = column.values;
-        std::stable_sort(sorted.begin(), sorted.end(),
-                         [](const QString &a, const QString &b) { return a.toDouble() < b.toDouble(); });
-        publish(keys.number[k], column, sorted);
-    }
-    for (int k = 0; k < keys.boolean.size(); ++k)
-        publish(keys.boolean[k], tally.booleans[size_t(k)], tally.booleans[size_t(k)].values);
+    for (const Column &column : tally.booleans)
+        publish(column, {0, 1});
     if (parallel) {
         std::thread worker(fill, half, rowCount);
         fill(0, half);
@@ -380,9 +386,6 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
     } else {
         fill(0, rowCount);
     }
-    result.insert(ZTFilterDictionaryKey::counts, countTable);
-    if (withOids)
-        result.insert(ZTFilterDictionaryKey::oids, oidTable);
 
     QSet<QString> languages;
     for (const char *key : {"language", "originalLanguage"}) {
@@ -391,9 +394,45 @@ QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
             for (const QString &language : tally.strings[size_t(k)].values)
                 languages.insert(language);
     }
-    result.insert(ZTFilterDictionaryKey::personName,
-                  ZTListCompare::sortedCaseInsensitive(tally.people.values()));
-    result.insert(ZTFilterDictionaryKey::allLanguages,
-                  ZTListCompare::sortedCaseInsensitive(languages.values()));
+    result.personNames = ZTListCompare::sortedCaseInsensitive(tally.people.values());
+    result.languages = ZTListCompare::sortedCaseInsensitive(languages.values());
+    return result;
+}
+
+QVariantMap ZTList::filterDictionaryFromDocument(const ZTDocument &document,
+                                                 const QStringList &addressBookNames, bool withOids) const
+{
+    return tallyFromDocument(document, addressBookNames, withOids).filterDictionary(withOids);
+}
+
+QVariantMap ZTListTally::filterDictionary(bool withOids) const
+{
+    QVariantMap result;
+    QVariantMap countTable;
+    QVariantMap oidTable;
+    for (qsizetype k = 0; k < keys.size(); ++k) {
+        const ZTValueTally &column = columns[size_t(k)];
+        QVariantMap counts;
+        QVariantMap oids;
+        for (qsizetype i = 0; i < column.values.size(); ++i) {
+            counts.insert(column.values[i], QString::number(column.counts[size_t(i)]));
+            if (withOids)
+                oids.insert(column.values[i], column.oids.value(i));
+        }
+        if (column.hasBlank) {
+            counts.insert(ZTFilterDictionaryKey::emptyTag, QString::number(column.blankCount));
+            if (withOids)
+                oids.insert(ZTFilterDictionaryKey::emptyTag, column.blankOids);
+        }
+        result.insert(keys[k], column.values);
+        countTable.insert(keys[k], counts);
+        if (withOids)
+            oidTable.insert(keys[k], oids);
+    }
+    result.insert(ZTFilterDictionaryKey::counts, countTable);
+    if (withOids)
+        result.insert(ZTFilterDictionaryKey::oids, oidTable);
+    result.insert(ZTFilterDictionaryKey::personName, personNames);
+    result.insert(ZTFilterDictionaryKey::allLanguages, languages);
     return result;
 }

@@ -8,24 +8,11 @@
 
 #include <QtTest>
 
-namespace {
-ZTCacheableAttributes smallAttributes()
-{
-    ZTCacheableAttributes a;
-    a.string = {QStringLiteral("genre")};
-    a.array = {QStringLiteral("keywords")};
-    a.number = {QStringLiteral("rating")};
-    a.boolean = {QStringLiteral("isSigned")};
-    a.all = a.string + a.array + a.number + a.boolean;
-    return a;
-}
-} // namespace
-
 class TestLibraryCaches : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void fromAFilterDictionaryWithTextCounts();
+    void valuesCountsAndTags();
     void subCachesKeepNoPeople();
     void blankRules_data();
     void blankRules();
@@ -34,45 +21,63 @@ private Q_SLOTS:
     void subListCachesOnlyTheirItems();
 };
 
-void TestLibraryCaches::fromAFilterDictionaryWithTextCounts()
+void TestLibraryCaches::valuesCountsAndTags()
 {
-    // Counts arrive as decimal texts, as a list's filter dictionary keeps them.
-    const QVariantMap filter{
-        {QStringLiteral("genre"), QVariantList{QStringLiteral("art"), QStringLiteral("Drama")}},
-        {QStringLiteral("keywords"), QVariantList{}},
-        {QStringLiteral("rating"), QVariantList{0, 3}},
-        {ZTCacheKey::count,
-         QVariantMap{
-             {QStringLiteral("genre"), QVariantMap{{QStringLiteral("art"), QStringLiteral("2")},
-                                                   {QStringLiteral("Drama"), QStringLiteral("5")},
-                                                   {ZTCacheKey::emptyTag, QStringLiteral("1")}}},
-             {QStringLiteral("rating"), QVariantMap{{QStringLiteral("0"), 4}, {QStringLiteral("3"), 1}}},
-             {QStringLiteral("isSigned"), QVariantMap{{QStringLiteral("Yes"), QStringLiteral("1")}}}}},
-        {ZTCacheKey::personName, QStringList{QStringLiteral("Ann Lee")}}};
-    const ZTLibraryCaches caches =
-        ZTLibraryCaches::fromFilterDictionary(filter, smallAttributes(), ZTLibraryCaches::Target::Main);
+    ZTLibraryFixture f;
+    auto add = [&](const QString &genre, int rating, bool signedFlag) {
+        QVariantMap d{{QStringLiteral("title"), QStringLiteral("x")},
+                      {QStringLiteral("rating"), rating},
+                      {QStringLiteral("signedFlag"), signedFlag}};
+        if (!genre.isNull())
+            d.insert(QStringLiteral("genre"), genre);
+        f.add(d);
+    };
+    for (int i = 0; i < 5; ++i)
+        add(QStringLiteral("Drama"), 0, false);
+    add(QStringLiteral("art"), 3, false);
+    add(QStringLiteral("art"), 0, false);
+    add(QString(), 3, false);
+    ZTViewPipeline p(f.document());
+    p.updateMainCaches();
+    const ZTLibraryCaches &caches = p.mainCaches();
     QCOMPARE(caches.stringValues(QStringLiteral("genre")), (QStringList{"art", "Drama"}));
     QCOMPARE(caches.count(QStringLiteral("genre"), QStringLiteral("Drama")), 5);
+    QCOMPARE(caches.count(QStringLiteral("genre"), QStringLiteral("art")), 2);
+    QCOMPARE(caches.count(QStringLiteral("genre"), QStringLiteral("Poetry")), 0);
     QCOMPARE(caches.count(QStringLiteral("genre"), ZTCacheKey::emptyTag), 1);
+    QCOMPARE(caches.count(QStringLiteral("rating"), QStringLiteral("0")), 6);
+    // Booleans always show both tags; a value no item has counts 0.
+    QCOMPARE(caches.stringValues(QStringLiteral("isSigned")), (QStringList{"Yes", "No"}));
+    QCOMPARE(caches.count(QStringLiteral("isSigned"), QStringLiteral("Yes")), 0);
+    QCOMPARE(caches.count(QStringLiteral("isSigned"), QStringLiteral("No")), 8);
+    QVERIFY(caches.values(QStringLiteral("keywords")).isEmpty());
+
     const QVariantList tags = caches.tagDictionary().value(QStringLiteral("genre")).toList();
     QCOMPARE(tags.size(), 2); // the blank tag is counted apart, not listed
     QCOMPARE(tags.at(1).toMap().value(ZTCacheKey::tag).toString(), QStringLiteral("Drama"));
     QCOMPARE(tags.at(1).toMap().value(ZTCacheKey::tagCount).toInt(), 5);
-    QCOMPARE(caches.count(QStringLiteral("rating"), QStringLiteral("0")), 4);
-    // Booleans always show both tags, a missing count as 0.
-    QCOMPARE(caches.stringValues(QStringLiteral("isSigned")), (QStringList{"Yes", "No"}));
-    QCOMPARE(caches.count(QStringLiteral("isSigned"), QStringLiteral("No")), 0);
-    QVERIFY(caches.values(QStringLiteral("keywords")).isEmpty());
-    QCOMPARE(caches.cacheDictionary().value(ZTCacheKey::personName).toStringList(), QStringList{"Ann Lee"});
+    const QVariantMap counts =
+        caches.cacheDictionary().value(ZTCacheKey::count).toMap().value(QStringLiteral("genre")).toMap();
+    QCOMPARE(counts, (QVariantMap{{"art", 2}, {"Drama", 5}, {ZTCacheKey::emptyTag, 1}}));
+    QCOMPARE(caches.tagDictionary().value(ZTCacheKey::count).toMap().value(QStringLiteral("genre")).toMap(),
+             counts);
+    QCOMPARE(caches.values(QStringLiteral("rating")), (QVariantList{"0", "3"}));
 }
 
 void TestLibraryCaches::subCachesKeepNoPeople()
 {
-    const QVariantMap filter{{ZTCacheKey::personName, QStringList{QStringLiteral("Ann Lee")}}};
-    const ZTLibraryCaches caches =
-        ZTLibraryCaches::fromFilterDictionary(filter, smallAttributes(), ZTLibraryCaches::Target::Sub);
-    QVERIFY(!caches.cacheDictionary().contains(ZTCacheKey::personName));
-    QVERIFY(caches.cacheDictionary().contains(QStringLiteral("genre")));
+    ZTLibraryFixture f;
+    ZTItem *a = f.add({{QStringLiteral("title"), QStringLiteral("a")},
+                       {QStringLiteral("lentToName"), QStringLiteral("Ann Lee")}});
+    f.addList(QStringLiteral("L"), {a->oid()});
+    ZTViewPipeline p(f.document());
+    p.updateMainCaches();
+    p.selectListRow(1);
+    QCOMPARE(p.mainCaches().cacheDictionary().value(ZTCacheKey::personName).toStringList(),
+             QStringList{"Ann Lee"});
+    QVERIFY(!p.subCaches().cacheDictionary().contains(ZTCacheKey::personName));
+    QVERIFY(p.subCaches().cacheDictionary().contains(QStringLiteral("genre")));
+    QVERIFY(p.subCaches().cacheDictionary().contains(ZTCacheKey::count));
 }
 
 void TestLibraryCaches::blankRules_data()
