@@ -8,14 +8,23 @@ const QString s_trackEntity = QStringLiteral("ZTTrack");
 const char *const s_ownKeys[] = {"asin", "upc", "numberOfMedia", "label"};
 } // namespace
 
-QStringList ZTAlbum::itemCodeTypes() const { return {QStringLiteral("asin"), QStringLiteral("upc")}; }
+QStringList ZTAlbum::itemCodeTypes() const
+{
+    return {QStringLiteral("asin"), QStringLiteral("upc")};
+}
 
-QStringList ZTAlbum::artists() const { return namesForOids(m_artistOids, s_artistEntity); }
+QStringList ZTAlbum::artists() const
+{
+    return namesForOids(m_artistOids, s_artistEntity);
+}
 void ZTAlbum::setArtists(const QStringList &names)
 {
     storeOidArray(m_artistOids, oidArrayForIncomingArray(names, s_artistEntity), s_artistData);
 }
-QStringList ZTAlbum::tracks() const { return namesForOids(m_trackOids, s_trackEntity); }
+QStringList ZTAlbum::tracks() const
+{
+    return namesForOids(m_trackOids, s_trackEntity);
+}
 void ZTAlbum::setTracks(const QStringList &names)
 {
     storeOidArray(m_trackOids, oidArrayForIncomingArray(names, s_trackEntity), s_trackData);
