@@ -8,6 +8,7 @@
 #include "lists/ZTListTally.h"
 #include "lookup/ZTStringExtras.h"
 #include "model/ZTItem.h"
+#include "store/ZTManagedObjectContext.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -18,6 +19,11 @@
 #include <vector>
 
 namespace {
+
+bool isBlank(const QString &text)
+{
+    return text.isNull() || !ZTText::containsNonWhitespace(text);
+}
 
 // One attribute's values in first-seen order, each with the list rows that
 // hold it. Rows stand for oids until the result is written, which keeps the
@@ -112,6 +118,55 @@ struct Column {
         count(text, row);
         integerIndex.insert(number, index.value(text));
     }
+    // A list whose values stand on shared rows is counted by row: each row's
+    // value is made once, the first time the row is met, and remembered by
+    // where its oid's characters lie (the items share their rows' oid texts,
+    // and a pinned copy keeps each address from being taken by another text).
+    // An item counts once under each of its values, and as blank when no row
+    // gives it a value or when one of its rows has a blank one it keeps.
+    static constexpr int blankRow = -1;
+    static constexpr int droppedRow = -2;
+    QHash<const QChar *, int> byRow;
+    std::vector<QString> pinnedRows;
+    std::vector<int> seenValues;
+    void countRows(const QStringList &oids, const QHash<QString, ZTManagedObject *> *table,
+                   const ZTItem::RowValues &source, int row)
+    {
+        seenValues.clear();
+        bool blank = false;
+        for (const QString &oid : oids) {
+            int value;
+            const auto it = byRow.constFind(oid.constData());
+            if (it != byRow.constEnd()) {
+                value = *it;
+            } else {
+                const ZTManagedObject *shared = table ? table->value(oid, nullptr) : nullptr;
+                if (!shared) {
+                    value = droppedRow;
+                } else {
+                    const QString text = source.value(*shared);
+                    if (!isBlank(text))
+                        value = indexOf(text);
+                    else
+                        value = source.dropsBlanks ? droppedRow : blankRow;
+                }
+                byRow.insert(oid.constData(), value);
+                pinnedRows.push_back(oid);
+            }
+            if (value == droppedRow)
+                continue;
+            if (value == blankRow) {
+                blank = true;
+                continue;
+            }
+            if (std::find(seenValues.begin(), seenValues.end(), value) == seenValues.end()) {
+                seenValues.push_back(value);
+                rows[size_t(value)].add(row, keepRows);
+            }
+        }
+        if (blank || seenValues.empty())
+            countBlank(row);
+    }
     void countBlank(int row)
     {
         hasBlank = true;
@@ -142,11 +197,6 @@ struct Column {
 
 // Below this many items a second thread costs more than it saves.
 constexpr size_t s_parallelListSize = 20000;
-
-bool isBlank(const QString &text)
-{
-    return text.isNull() || !ZTText::containsNonWhitespace(text);
-}
 
 // The yes/no readers of an item by their cache names, which the item answers
 // as member functions; any other key is read by valueForKey.
@@ -189,6 +239,18 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
     const QList<ZTItem::KeyReader> booleanValueReaders = table.readers(keys.boolean);
     const int rowCount = int(m_itemOids.size());
     const ZTResolvedItems items = table.items(m_itemOids);
+    // The shared rows of the lists counted by row; the pass only reads them.
+    std::vector<const QHash<QString, ZTManagedObject *> *> rowTables;
+    for (const ZTItem::KeyReader &reader : arrayReaders) {
+        const QHash<QString, ZTManagedObject *> *rows = nullptr;
+        if (reader.rows && document.managedObjectContext()) {
+            const auto &tables = document.managedObjectContext()->oidObjectDictionary();
+            const auto found = tables.constFind(reader.rows->entity);
+            if (found != tables.constEnd())
+                rows = &*found;
+        }
+        rowTables.push_back(rows);
+    }
 
     // A large list is counted in two halves side by side, each half by its own
     // tally, and the halves are then joined in list order. Each item is read by
@@ -241,7 +303,13 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
                     column.count(value, row);
             }
             for (int k = 0; k < arrayReaders.size(); ++k) {
-                const QVariant variant = arrayReaders[k].read(*item);
+                const ZTItem::KeyReader &reader = arrayReaders[k];
+                if (reader.rows && item->entity() == reader.entity) {
+                    tally.arrays[size_t(k)].countRows(reader.rows->oids(*item), rowTables[size_t(k)],
+                                                      *reader.rows, row);
+                    continue;
+                }
+                const QVariant variant = reader.read(*item);
                 const QStringList values = variant.typeId() == QMetaType::QStringList
                                                ? *static_cast<const QStringList *>(variant.constData())
                                                : ZTItem::variantToStrings(variant);

@@ -80,7 +80,11 @@ const ZTItem::AccessorTable &ZTAlbum::accessors() const
     static const AccessorTable table = [] {
         using A = ZTAlbum;
         AccessorTable t = commonAccessors();
-        t.insert(QStringLiteral("artists"), {&read<A, &A::artists>, &writeStrings<A, &A::setArtists>});
+        static const RowValues artistRows{
+            [](const ZTItem &i) -> const QStringList & { return static_cast<const A &>(i).m_artistOids; },
+            s_artistEntity, &rowName};
+        t.insert(QStringLiteral("artists"),
+                 {&read<A, &A::artists>, &writeStrings<A, &A::setArtists>, &artistRows});
         t.insert(QStringLiteral("tracks"), {&read<A, &A::tracks>, &writeStrings<A, &A::setTracks>});
         t.insert(QStringLiteral("artistOids"), {&read<A, &A::artistOids>, nullptr});
         t.insert(QStringLiteral("trackOids"), {&read<A, &A::trackOids>, nullptr});

@@ -95,6 +95,52 @@ void ZTBook::updateAuthors()
     m_authorsWithTypesByLastNameFirstName.clear();
 }
 
+namespace {
+// Books share their author rows, and a row's forms depend only on its name and
+// role: they are made once per row and thread, and made again only when the
+// row's name or role is no longer what it was. A book with one author (most of
+// them) shares the row's one-entry lists outright.
+struct AuthorForms {
+    QString name;
+    QString role;
+    QStringList plain;
+    QStringList sorted;
+};
+
+const AuthorForms &authorForms(const ZTManagedObject &row)
+{
+    thread_local QHash<const ZTManagedObject *, AuthorForms> known;
+    if (known.size() > 100000)
+        known.clear();
+    static thread_local ZTSlotMemo personMemo, nameMemo, roleMemo;
+    static const QString personKey = QLatin1String(s_roles.personKey);
+    // The stored text itself, read without copying it.
+    auto text = [](const ZTManagedObject *from, const QString &key, ZTSlotMemo &memo) -> const QString * {
+        static const QString none;
+        const QVariant *value = from ? from->primitiveValuePointerForKey(key, memo) : nullptr;
+        if (!value || value->typeId() != QMetaType::QString)
+            return &none;
+        return static_cast<const QString *>(value->constData());
+    };
+    const ZTManagedObject *person = row.toOneForKey(personKey, personMemo);
+    const QString &name = *text(person, s_name, nameMemo);
+    const QString &role = *text(&row, s_role, roleMemo);
+    auto it = known.find(&row);
+    if (it == known.end() || it->name != name || it->role != role) {
+        const ZTItemText::AuthorArrays one =
+            ZTItemText::authorArrays(QList<ZTItemText::NameAndRole>{{name, role}});
+        it = known.insert(&row, {name, role, QStringList{one.authorsWithTypes.value(0)},
+                                 QStringList{one.authorsWithTypesByLastNameFirstName.value(0)}});
+    }
+    return *it;
+}
+} // namespace
+
+QString ZTBook::sortedAuthorForm(const ZTManagedObject &roleRow)
+{
+    return authorForms(roleRow).sorted.first();
+}
+
 void ZTBook::buildAuthorArrays() const
 {
     if (m_authorArraysBuilt)
@@ -110,29 +156,6 @@ void ZTBook::buildAuthorArrays() const
     const auto roles = tables.constFind(roleEntity);
     if (roles == tables.constEnd())
         return;
-    // Books share their author rows, and a row's forms depend only on its
-    // name and role: they are made once per row and thread, and made again
-    // only when the row's name or role is no longer what it was. A book with
-    // one author (most of them) shares the row's one-entry lists outright.
-    struct Forms {
-        QString name;
-        QString role;
-        QStringList plain;
-        QStringList sorted;
-    };
-    thread_local QHash<const ZTManagedObject *, Forms> known;
-    if (known.size() > 100000)
-        known.clear();
-    static thread_local ZTSlotMemo personMemo, nameMemo, roleMemo;
-    static const QString personKey = QLatin1String(s_roles.personKey);
-    // The stored text itself, read without copying it.
-    auto text = [](const ZTManagedObject *row, const QString &key, ZTSlotMemo &memo) -> const QString * {
-        static const QString none;
-        const QVariant *value = row ? row->primitiveValuePointerForKey(key, memo) : nullptr;
-        if (!value || value->typeId() != QMetaType::QString)
-            return &none;
-        return static_cast<const QString *>(value->constData());
-    };
     const bool single = m_authorRoleOids.size() == 1;
     if (!single) {
         m_authorsWithTypes.reserve(m_authorRoleOids.size());
@@ -142,22 +165,13 @@ void ZTBook::buildAuthorArrays() const
         const ZTManagedObject *row = roles->value(oid, nullptr);
         if (!row)
             continue;
-        const ZTManagedObject *person = row->toOneForKey(personKey, personMemo);
-        const QString &name = *text(person, s_name, nameMemo);
-        const QString &role = *text(row, s_role, roleMemo);
-        auto it = known.find(row);
-        if (it == known.end() || it->name != name || it->role != role) {
-            const ZTItemText::AuthorArrays one =
-                ZTItemText::authorArrays(QList<ZTItemText::NameAndRole>{{name, role}});
-            it = known.insert(row, {name, role, QStringList{one.authorsWithTypes.value(0)},
-                                    QStringList{one.authorsWithTypesByLastNameFirstName.value(0)}});
-        }
+        const AuthorForms &forms = authorForms(*row);
         if (single) {
-            m_authorsWithTypes = it->plain;
-            m_authorsWithTypesByLastNameFirstName = it->sorted;
+            m_authorsWithTypes = forms.plain;
+            m_authorsWithTypesByLastNameFirstName = forms.sorted;
         } else {
-            m_authorsWithTypes.append(it->plain.first());
-            m_authorsWithTypesByLastNameFirstName.append(it->sorted.first());
+            m_authorsWithTypes.append(forms.plain.first());
+            m_authorsWithTypesByLastNameFirstName.append(forms.sorted.first());
         }
     }
 }
@@ -263,12 +277,18 @@ const ZTItem::AccessorTable &ZTBook::accessors() const
                  {&read<B, &B::authorRoleDicts>, &writeList<B, &B::setAuthorRoleDicts>});
         t.insert(QStringLiteral("authorOids"), {&read<B, &B::authorOids>, nullptr});
         t.insert(QStringLiteral("authorRoleOids"), {&read<B, &B::authorRoleOids>, nullptr});
+        static const RowValues subjectRows{
+            [](const ZTItem &i) -> const QStringList & { return static_cast<const B &>(i).m_subjectOids; },
+            s_subjectEntity, &rowName};
         t.insert(QStringLiteral("locSubjects"),
-                 {&read<B, &B::locSubjects>, &writeStrings<B, &B::setLocSubjects>});
+                 {&read<B, &B::locSubjects>, &writeStrings<B, &B::setLocSubjects>, &subjectRows});
         t.insert(QStringLiteral("subjectOids"), {&read<B, &B::subjectOids>, nullptr});
         t.insert(QStringLiteral("authorsWithTypes"), {&read<B, &B::authorsWithTypes>, nullptr});
+        static const RowValues authorRows{
+            [](const ZTItem &i) -> const QStringList & { return static_cast<const B &>(i).m_authorRoleOids; },
+            QLatin1String(s_roles.roleEntity), &B::sortedAuthorForm};
         t.insert(QStringLiteral("authorsWithTypesByLastNameFirstName"),
-                 {&read<B, &B::authorsWithTypesByLastNameFirstName>, nullptr});
+                 {&read<B, &B::authorsWithTypesByLastNameFirstName>, nullptr, &authorRows});
         t.insert(QStringLiteral("volumeNumberSortable"), {&read<B, &B::volumeNumberSortable>, nullptr});
         t.insert(QStringLiteral("locClassificationSortable"),
                  {&read<B, &B::locClassificationSortable>, nullptr});

@@ -45,6 +45,8 @@ private:
     QStringList m_authorRoleOids;
     QStringList m_subjectOids;
     void buildAuthorArrays() const;
+    // A role row's author in the "Last, First (Role)" form.
+    static QString sortedAuthorForm(const ZTManagedObject &roleRow);
     mutable QStringList m_authorsWithTypes;
     mutable QStringList m_authorsWithTypesByLastNameFirstName;
     mutable bool m_authorArraysBuilt = false;

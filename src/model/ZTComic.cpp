@@ -209,7 +209,25 @@ const ZTItem::AccessorTable &ZTComic::accessors() const
     static const AccessorTable table = [] {
         using C = ZTComic;
         AccessorTable t = commonAccessors();
-        t.insert(QStringLiteral("stories"), {&read<C, &C::stories>, &writeStrings<C, &C::setStories>});
+        static const RowValues storyRows{
+            [](const ZTItem &i) -> const QStringList & { return static_cast<const C &>(i).m_storyOids; },
+            s_storyEntity, &rowName};
+        // A character row stands for its person's name; a nameless one is left out.
+        static const RowValues characterRows{[](const ZTItem &i) -> const QStringList & {
+                                                 return static_cast<const C &>(i).m_characterRoleOids;
+                                             },
+                                             QLatin1String(ZTRoleEntities::character.roleEntity),
+                                             [](const ZTManagedObject &row) {
+                                                 static const QString personKey =
+                                                     QLatin1String(ZTRoleEntities::character.personKey);
+                                                 static thread_local ZTSlotMemo personMemo;
+                                                 const ZTManagedObject *person =
+                                                     row.toOneForKey(personKey, personMemo);
+                                                 return person ? rowName(*person) : QString();
+                                             },
+                                             true};
+        t.insert(QStringLiteral("stories"),
+                 {&read<C, &C::stories>, &writeStrings<C, &C::setStories>, &storyRows});
         t.insert(QStringLiteral("artistRoleDicts"),
                  {&read<C, &C::artistRoleDicts>, &writeList<C, &C::setArtistRoleDicts>});
         t.insert(QStringLiteral("artistRoles"),
@@ -220,7 +238,7 @@ const ZTItem::AccessorTable &ZTComic::accessors() const
                  {&read<C, &C::characterRoles>, &writeList<C, &C::setCharacterRoleDicts>});
         t.insert(QStringLiteral("artists"), {&read<C, &C::artists>, &writeStrings<C, &C::setArtists>});
         t.insert(QStringLiteral("characters"),
-                 {&read<C, &C::characters>, &writeStrings<C, &C::setCharacters>});
+                 {&read<C, &C::characters>, &writeStrings<C, &C::setCharacters>, &characterRows});
         t.insert(QStringLiteral("storyOids"), {&read<C, &C::storyOids>, nullptr});
         t.insert(QStringLiteral("artistRoleOids"), {&read<C, &C::artistRoleOids>, nullptr});
         t.insert(QStringLiteral("characterRoleOids"), {&read<C, &C::characterRoleOids>, nullptr});

@@ -367,6 +367,12 @@ QStringList ZTItem::oidArrayForIncomingArray(const QStringList &names, const QSt
     return oids;
 }
 
+QString ZTItem::rowName(const ZTManagedObject &row)
+{
+    static thread_local ZTSlotMemo memo;
+    return row.primitiveValueForKey(s_name, memo).toString();
+}
+
 QStringList ZTItem::namesForOids(const QStringList &oids, const QString &entityName) const
 {
     QStringList names;
@@ -672,8 +678,11 @@ ZTItem::AccessorTable ZTItem::commonAccessors()
                   return c.isNull() ? QVariant() : QVariant(c);
               },
               [](ZTItem &i, const QVariant &v) { i.setPricePaidLocale(v.toString()); }});
-    t.insert(ZTItemKey::keywords, {[](const ZTItem &i) -> QVariant { return i.keywords(); },
-                                   [](ZTItem &i, const QVariant &v) { i.setKeywords(toStringList(v)); }});
+    static const RowValues keywordRows{[](const ZTItem &i) -> const QStringList & { return i.m_keywordOids; },
+                                       s_keywordEntity, &rowName};
+    t.insert(ZTItemKey::keywords,
+             {[](const ZTItem &i) -> QVariant { return i.keywords(); },
+              [](ZTItem &i, const QVariant &v) { i.setKeywords(toStringList(v)); }, &keywordRows});
     t.insert(QStringLiteral("keywordOids"),
              {[](const ZTItem &i) -> QVariant { return i.keywordOids(); }, nullptr});
     t.insert(QStringLiteral("titleWithoutLeadingArticle"),

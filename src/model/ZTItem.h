@@ -48,6 +48,19 @@ public:
     void setValueForKey(const QVariant &value, const QString &key) override;
     bool hasKey(const QString &key) const;
 
+    // A list key whose values stand one for one on shared rows the item names
+    // by oid (keywords, subjects, authors): a pass over many items can count
+    // such values row by row, making each row's value once, instead of making
+    // every item's list. The item's list is the values of the rows found, in
+    // order; a row's blank value is left out when `dropsBlanks`, else it is a
+    // blank entry.
+    struct RowValues {
+        const QStringList &(*oids)(const ZTItem &) = nullptr;
+        QString entity;
+        QString (*value)(const ZTManagedObject &row) = nullptr;
+        bool dropsBlanks = false;
+    };
+
     // Reading one key of many items of a kind (the view's caches, sorts and
     // filters): the key is looked up once, then each read is a direct call.
     // read() answers exactly what valueForKey() would.
@@ -56,6 +69,8 @@ public:
         const ZTEntity *entity = nullptr;
         QVariant (*get)(const ZTItem &) = nullptr;
         int slot = -1;
+        // Set for a key whose values come from rows; only for items of `entity`.
+        const RowValues *rows = nullptr;
         QVariant read(const ZTItem &item) const;
         // For a stored attribute, the stored value without a copy; false when the
         // key is computed (then use read()). *value is null for an empty slot.
@@ -200,6 +215,7 @@ protected:
     struct Accessor {
         QVariant (*get)(const ZTItem &) = nullptr;
         void (*set)(ZTItem &, const QVariant &) = nullptr;
+        const RowValues *rows = nullptr;
     };
     using AccessorTable = QHash<QString, Accessor>;
     static AccessorTable commonAccessors();
@@ -224,6 +240,8 @@ protected:
     }
 
     virtual const AccessorTable &accessors() const = 0;
+    // The value of a shared name row (a keyword, a subject, an artist).
+    static QString rowName(const ZTManagedObject &row);
 
     // Every key an item of the kind answers to, resolved once per kind: its
     // accessor, or the slot of its stored value. One lookup serves a read, a

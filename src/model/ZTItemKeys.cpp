@@ -93,9 +93,10 @@ ZTItem::KeyReader ZTItem::readerForKey(const QString &key) const
     const auto it = table.constFind(key);
     if (it == table.constEnd())
         return reader;
-    if (it->accessor && it->accessor->get)
+    if (it->accessor && it->accessor->get) {
         reader.get = it->accessor->get;
-    else
+        reader.rows = it->accessor->rows;
+    } else
         reader.slot = it->slot;
     return reader;
 }

@@ -5,6 +5,8 @@
 #include "ZTLibraryFixture.h"
 
 #include "lists/ZTList.h"
+#include "lists/ZTListTally.h"
+#include "model/ZTSharedRows.h"
 
 #include <QtTest>
 
@@ -19,6 +21,8 @@ private Q_SLOTS:
     void numbersSortByValue();
     void personNameJoinsContactsAndBorrowers();
     void subListCachesOnlyTheirItems();
+    void listCountsAgreeWithEachItemsValues_data();
+    void listCountsAgreeWithEachItemsValues();
 };
 
 void TestLibraryCaches::valuesCountsAndTags()
@@ -166,6 +170,93 @@ void TestLibraryCaches::subListCachesOnlyTheirItems()
     QCOMPARE(&p.baseTagDictionary(), &p.subCaches().tagDictionary());
     p.selectListRow(0);
     QVERIFY(p.subCaches().stringValues(QStringLiteral("genre")).isEmpty());
+}
+
+void TestLibraryCaches::listCountsAgreeWithEachItemsValues_data()
+{
+    QTest::addColumn<ZTMediaKind>("kind");
+    QTest::addColumn<QVariantMap>("names");
+    const QVariantList roles{
+        QVariantMap{{"name", "Ann Lee"}, {"role", "Editor"}}, QVariantMap{{"name", "blank-me"}, {"role", ""}},
+        QVariantMap{{"name", "drop-me"}, {"role", ""}}, QVariantMap{{"name", "Ann Lee"}, {"role", "Editor"}}};
+    QTest::newRow("books") << ZTMediaKind::Book
+                           << QVariantMap{{"authorRoleDicts", roles}, {"locSubjects", QStringList{"Sea"}}};
+    QTest::newRow("albums") << ZTMediaKind::Album << QVariantMap{{"artists", QStringList{"Nico"}}};
+    QTest::newRow("comics") << ZTMediaKind::Comic
+                            << QVariantMap{{"characterRoleDicts", roles}, {"stories", QStringList{"Origin"}}};
+    QTest::newRow("movies") << ZTMediaKind::Movie << QVariantMap{{"directors", QStringList{"Vigo"}}};
+}
+
+void TestLibraryCaches::listCountsAgreeWithEachItemsValues()
+{
+    // The lists of names that items share rows for are counted row by row;
+    // what the caches say must be what each item's own list says, with rows
+    // that lost their name or left the library among them.
+    QFETCH(ZTMediaKind, kind);
+    QFETCH(QVariantMap, names);
+    ZTLibraryFixture f(kind);
+    const QList<QStringList> keywordSets{{"sea", "sky"},     {"sea", "sea"},     {},
+                                         {"blank-me"},       {"drop-me"},        {"blank-me", "sky"},
+                                         {"drop-me", "sky"}, {"sky", "drop-me"}, {"Sea"}};
+    for (const QStringList &keywords : keywordSets) {
+        QVariantMap d = names;
+        d.insert(QStringLiteral("title"), QStringLiteral("x"));
+        d.insert(QStringLiteral("keywords"), keywords);
+        f.add(d);
+    }
+    f.add({{QStringLiteral("title"), QStringLiteral("none")}});
+    ZTManagedObjectContext *context = f.document().managedObjectContext();
+    const QHash<QString, QHash<QString, ZTManagedObject *>> tables = context->oidObjectDictionary();
+    for (auto table = tables.cbegin(); table != tables.cend(); ++table)
+        for (ZTManagedObject *row : *table) {
+            if (row->primitiveValueForKey(QStringLiteral("name")) == QStringLiteral("blank-me"))
+                row->setPrimitiveValueForKey(QStringLiteral("  "), QStringLiteral("name"));
+            if (row->primitiveValueForKey(QStringLiteral("name")) == QStringLiteral("drop-me"))
+                context->removeOidObject(table.key(), table.value().key(row));
+        }
+    for (const ZTRoleEntity &roles : {ZTRoleEntities::author, ZTRoleEntities::character})
+        for (ZTManagedObject *row : tables.value(QLatin1String(roles.roleEntity))) {
+            const ZTManagedObject *person = row->toOneForKey(QLatin1String(roles.personKey));
+            if (person && person->primitiveValueForKey(QStringLiteral("name")) == QStringLiteral("drop-me"))
+                context->removeOidObject(QLatin1String(roles.roleEntity), row->oid());
+        }
+
+    const ZTListTally tally = f.document().mainList()->tallyFromDocument(f.document(), {}, true);
+    const QStringList keys = f.document().attributeTables().cacheableAttributesDictionary().array;
+    QVERIFY(keys.contains(QStringLiteral("keywords")));
+    for (const QString &key : keys) {
+        QMap<QString, qsizetype> counts;
+        QStringList blankOids;
+        for (ZTItem *item : f.document().allItems()) {
+            const QStringList values = ZTItem::variantToStrings(item->valueForKey(key));
+            bool blank = values.isEmpty();
+            QSet<QString> seen;
+            for (const QString &value : values) {
+                if (value.trimmed().isEmpty())
+                    blank = true;
+                else if (!seen.contains(value))
+                    seen.insert(value), ++counts[value];
+            }
+            if (blank)
+                blankOids << item->oid();
+        }
+        const ZTValueTally *column = tally.column(key);
+        QVERIFY2(column, qPrintable(key));
+        QCOMPARE(QSet<QString>(column->values.cbegin(), column->values.cend()),
+                 QSet<QString>(counts.keyBegin(), counts.keyEnd()));
+        for (qsizetype i = 0; i < column->values.size(); ++i)
+            QCOMPARE(column->counts[size_t(i)], counts.value(column->values[i]));
+        QCOMPARE(QSet<QString>(column->blankOids.cbegin(), column->blankOids.cend()),
+                 QSet<QString>(blankOids.cbegin(), blankOids.cend()));
+        QCOMPARE(column->blankCount, blankOids.size());
+    }
+    // The keywords as the sets above make them: a lost row leaves its item
+    // blank only when nothing else is left, a nameless row makes it blank.
+    const ZTValueTally *keywords = tally.column(QStringLiteral("keywords"));
+    QCOMPARE(keywords->count(QStringLiteral("sky")), 4);
+    QCOMPARE(keywords->count(QStringLiteral("sea")), 2);
+    QCOMPARE(keywords->count(QStringLiteral("Sea")), 1);
+    QCOMPARE(keywords->blankCount, 5);
 }
 
 QTEST_GUILESS_MAIN(TestLibraryCaches)
