@@ -18,6 +18,24 @@ const QCollator &collator()
     }();
     return s_collator;
 }
+// Case folding plain ASCII is lowering it, which costs a small part of the
+// general routine; most values of a library are plain ASCII.
+QString folded(const QString &value)
+{
+    bool upper = false;
+    for (const QChar c : value) {
+        if (c.unicode() >= 0x80)
+            return value.toCaseFolded();
+        upper = upper || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'));
+    }
+    if (!upper)
+        return value;
+    QString lowered = value;
+    for (QChar &c : lowered)
+        if (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+            c = QChar(c.unicode() + ('a' - 'A'));
+    return lowered;
+}
 } // namespace
 
 int ZTListCompare::compareCaseInsensitive(const QString &a, const QString &b)
@@ -45,7 +63,7 @@ std::vector<int> ZTListCompare::caseInsensitiveOrder(const QStringList &values)
     std::vector<QCollatorSortKey> keys;
     keys.reserve(size_t(values.size()));
     for (const QString &value : values)
-        keys.push_back(collator().sortKey(value.toCaseFolded()));
+        keys.push_back(collator().sortKey(folded(value)));
     std::stable_sort(order.begin(), order.end(), [&](int x, int y) {
         const int o = keys[size_t(x)].compare(keys[size_t(y)]);
         return o != 0 ? o < 0 : values[x] < values[y];

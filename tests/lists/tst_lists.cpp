@@ -3,6 +3,7 @@
 
 #include "app/ZTNotificationCenter.h"
 #include "lists/ZTList.h"
+#include "lists/ZTListCompare.h"
 #include "lists/ZTSmartList.h"
 #include "lists/ZTSmartListController.h"
 
@@ -39,6 +40,7 @@ private slots:
     void removingItemsAsShown();
     void listDataIsStoredAndAnnounced();
     void longListsAreWrittenAtSave();
+    void valuesSortWithoutRegardToCase();
     void filterDictionaryOfEmptyList();
     void filterDictionaryCounts();
     void filterDictionaryCompletionLists();
@@ -202,6 +204,22 @@ void TestLists::longListsAreWrittenAtSave()
     QVERIFY(!list->hasUnwrittenListData());
     QVERIFY(library.saveAndReopen());
     QCOMPARE(library.document->itemLists().at(0)->itemOids(), QStringList{"first"} + oids);
+}
+
+void TestLists::valuesSortWithoutRegardToCase()
+{
+    const QStringList values{"delta", "Bravo", "alpha", "Alpha", "CHARLIE", "émile", "Ézra", "Émile", "echo"};
+    const QStringList sorted = ZTListCompare::sortedCaseInsensitive(values);
+    // Whatever the locale, plain letters keep the alphabet's order across
+    // cases; values equal but for case stand together, capitals first.
+    QCOMPARE(sorted.mid(0, 5), (QStringList{"Alpha", "alpha", "Bravo", "CHARLIE", "delta"}));
+    QCOMPARE(sorted.indexOf("émile"), sorted.indexOf("Émile") + 1);
+    QVERIFY(sorted.indexOf("echo") > sorted.indexOf("delta"));
+    // The order as places says the same.
+    QStringList byPlaces;
+    for (const int i : ZTListCompare::caseInsensitiveOrder(values))
+        byPlaces << values[i];
+    QCOMPARE(byPlaces, sorted);
 }
 
 void TestLists::filterDictionaryOfEmptyList()
