@@ -124,21 +124,25 @@ std::vector<int> ZTSearchIndex::slotsForOids(const ZTItemTable &table, const QSt
     return rowSlots;
 }
 
-bool ZTSearchIndex::contains(const ZTItemTable &table, int slot, const QByteArray &needle)
+std::vector<qsizetype> ZTSearchIndex::matching(const ZTItemTable &table, const std::vector<int> &rowSlots,
+                                               const QByteArray &needle)
 {
-    if (slot < 0 || size_t(slot) >= m_entries.size())
-        return false;
-    if (m_entries[size_t(slot)].stale) {
-        const ZTItem *item = table.item(m_oids[size_t(slot)]);
-        store(slot, item ? searchableText(*item).toUtf8() : QByteArray());
+    std::vector<qsizetype> found;
+    const qsizetype rare = rarestByte(needle);
+    for (size_t i = 0; i < rowSlots.size(); ++i) {
+        const int slot = rowSlots[i];
+        if (slot < 0 || size_t(slot) >= m_entries.size())
+            continue;
+        if (m_entries[size_t(slot)].stale) {
+            const ZTItem *item = table.item(m_oids[size_t(slot)]);
+            store(slot, item ? searchableText(*item).toUtf8() : QByteArray());
+        }
+        const Entry &entry = m_entries[size_t(slot)];
+        // UTF-8 is self-synchronising, so a byte match is a character match.
+        if (findIn(m_buffer.constData() + entry.start, entry.size, needle, rare))
+            found.push_back(qsizetype(i));
     }
-    const Entry &entry = m_entries[size_t(slot)];
-    // UTF-8 is self-synchronising, so a byte match is a character match.
-    if (!needle.isSharedWith(m_needle) || needle != m_needle) {
-        m_needle = needle;
-        m_needleRareByte = rarestByte(needle);
-    }
-    return findIn(m_buffer.constData() + entry.start, entry.size, needle, m_needleRareByte);
+    return found;
 }
 
 bool ZTSearchIndex::findIn(const char *text, qsizetype size, const QByteArray &needle)

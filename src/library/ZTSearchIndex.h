@@ -29,7 +29,9 @@ public:
 
     // The slot of each oid, -1 for an oid without an item.
     std::vector<int> slotsForOids(const ZTItemTable &table, const QStringList &oids);
-    bool contains(const ZTItemTable &table, int slot, const QByteArray &needle);
+    // The places in `rowSlots` (the rows of a list) whose texts contain `needle`, in order.
+    std::vector<qsizetype> matching(const ZTItemTable &table, const std::vector<int> &rowSlots,
+                                    const QByteArray &needle);
 
     // Whether `needle` occurs in the `size` bytes at `text`.
     static bool findIn(const char *text, qsizetype size, const QByteArray &needle);
@@ -58,8 +60,6 @@ private:
     std::vector<Entry> m_entries;
     QByteArray m_buffer;
     qsizetype m_unused = 0;
-    QByteArray m_needle; // the needle last searched for, and where its rarest byte stands
-    qsizetype m_needleRareByte = 0;
     QStringList m_lastOids;
     std::vector<int> m_lastSlots;
 };

@@ -214,27 +214,35 @@ int ZTViewPipeline::controlTextDidChange(const QString &text)
         // The candidates' items are known (a list's, or the last result's), so
         // the result's are too, and the statistics below need not look them up.
         const ZTResolvedItems items = table.items(candidates);
+        // Without a needle the index cannot answer (a text holding its
+        // separator): the items are asked one by one.
+        std::vector<qsizetype> matches;
+        if (!needle.isEmpty()) {
+            matches = m_searchIndex.matching(table, rowSlots, needle);
+        } else {
+            for (qsizetype i = 0; i < candidates.size(); ++i)
+                if (const ZTItem *item = items[i]; item && item->containsString(searchText))
+                    matches.push_back(i);
+        }
         QStringList found;
+        found.reserve(qsizetype(matches.size()));
         std::vector<int> foundSlots;
+        foundSlots.reserve(matches.size());
         std::vector<ZTManagedObject *> foundItems;
+        foundItems.reserve(matches.size());
         // Keeping a found oid touches its shared text's count, which lies
         // anywhere in memory: when most candidates are found (a new text), the
-        // counts are asked for a few candidates ahead.
-        constexpr qsizetype ahead = 8;
+        // counts are asked for a few matches ahead.
+        constexpr size_t ahead = 8;
         const bool prefetch = !narrows;
-        for (qsizetype i = 0; i < candidates.size(); ++i) {
-            if (prefetch && i + ahead < candidates.size())
-                __builtin_prefetch(reinterpret_cast<const char *>(candidates[i + ahead].constData()) - 16, 1);
-            bool match = false;
-            if (!needle.isEmpty())
-                match = m_searchIndex.contains(table, rowSlots[size_t(i)], needle);
-            else if (const ZTItem *item = items[i])
-                match = item->containsString(searchText);
-            if (match) {
-                found << candidates[i];
-                foundSlots.push_back(rowSlots[size_t(i)]);
-                foundItems.push_back(items[i]);
-            }
+        for (size_t m = 0; m < matches.size(); ++m) {
+            if (prefetch && m + ahead < matches.size())
+                __builtin_prefetch(
+                    reinterpret_cast<const char *>(candidates[matches[m + ahead]].constData()) - 16, 1);
+            const qsizetype i = matches[m];
+            found << candidates[i];
+            foundSlots.push_back(rowSlots[size_t(i)]);
+            foundItems.push_back(items[i]);
         }
         table.rememberItems(found, std::move(foundItems));
         m_searchedSlots = std::move(foundSlots);
