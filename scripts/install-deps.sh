@@ -13,7 +13,7 @@ PACKAGES=(
   qt6-speech-speechd-plugin speech-dispatcher espeak-ng
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good
   # libraries the core calls
-  libsqlite3-dev libssl-dev libplist-dev libzip-dev libavahi-client-dev
+  libsqlite3-dev libssl-dev libplist-dev libzip-dev libavahi-client-dev libicu-dev
   # look and fonts
   breeze-icon-theme fonts-liberation2 fonts-urw-base35 fonts-dejavu-core
   # tools the tests use to read our output back, and real peers

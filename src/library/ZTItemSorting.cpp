@@ -6,11 +6,10 @@
 #include "lists/ZTList.h"
 #include "model/ZTItem.h"
 
-#include <QCollatorSortKey>
 #include <QHash>
 
 #include <algorithm>
-#include <optional>
+#include <cstring>
 #include <thread>
 #include <variant>
 #include <vector>
@@ -39,7 +38,7 @@ struct SortValue {
     enum class Kind : quint8 { Nil, Text, Number, Other };
     Kind kind = Kind::Nil;
     double number = 0;
-    std::optional<QCollatorSortKey> text;
+    QByteArray text; // the collation key
     QVariant other;
 };
 
@@ -54,7 +53,7 @@ int compareSortValues(const SortValue &a, const SortValue &b)
     if (a.kind == K::Nil || b.kind == K::Nil)
         return a.kind == b.kind ? 0 : (a.kind == K::Nil ? -1 : 1);
     if (a.kind == K::Text && b.kind == K::Text)
-        return sign(a.text->compare(*b.text));
+        return sign(std::strcmp(a.text.constData(), b.text.constData()));
     if (a.kind == K::Number && b.kind == K::Number)
         return a.number < b.number ? -1 : (a.number > b.number ? 1 : 0);
     if (a.kind == K::Other && b.kind == K::Other)
@@ -154,40 +153,75 @@ struct TextColumn {
     std::vector<double> ranks() const
     {
         const size_t count = texts.size();
-        std::vector<std::optional<QCollatorSortKey>> keys(count);
-        auto fill = [&](size_t from, size_t to) {
-            for (size_t i = from; i < to; ++i)
-                keys[i] = ZTTextOrder::sortKey(texts[i]);
-        };
         // Collation keys are the costly part: a long column is keyed in two
-        // halves side by side, each thread with its own collator.
-        if (qsizetype(count) >= s_parallelSortSize) {
-            std::thread second(fill, count / 2, count);
-            fill(0, count / 2);
+        // halves side by side, each thread with its own collator and its own
+        // buffer of keys.
+        const bool parallel = qsizetype(count) >= s_parallelSortSize;
+        const size_t half = parallel ? count / 2 : count;
+        QByteArray buffers[2];
+        std::vector<qsizetype> starts(count);
+        auto fill = [&](QByteArray &buffer, size_t from, size_t to) {
+            buffer.reserve(qsizetype(to - from) * 24);
+            for (size_t i = from; i < to; ++i) {
+                starts[i] = buffer.size();
+                ZTTextOrder::appendSortKey(texts[i], buffer);
+            }
+        };
+        if (parallel) {
+            std::thread second(fill, std::ref(buffers[1]), half, count);
+            fill(buffers[0], 0, half);
             second.join();
         } else {
-            fill(0, count);
+            fill(buffers[0], 0, count);
         }
-        std::vector<int> order(count);
-        for (size_t i = 0; i < count; ++i)
-            order[i] = int(i);
-        auto before = [&](int a, int b) { return keys[size_t(a)]->compare(*keys[size_t(b)]) < 0; };
+        // The sort compares the keys' first eight bytes as one number, held
+        // beside the text's index, and goes to the rest of a key only on a tie.
+        struct Key {
+            quint64 prefix;
+            const char *rest; // null when the key ends within the prefix
+            int index;
+        };
+        std::vector<Key> keys(count);
+        for (size_t i = 0; i < count; ++i) {
+            const char *key = buffers[i < half ? 0 : 1].constData() + starts[i];
+            quint64 prefix = 0;
+            const char *rest = nullptr;
+            for (int b = 0; b < 8; ++b) {
+                prefix = (prefix << 8) | quint8(key[b]);
+                if (key[b] == 0) {
+                    prefix <<= 8 * (7 - b);
+                    break;
+                }
+                if (b == 7)
+                    rest = key + 8;
+            }
+            keys[i] = {prefix, rest, int(i)};
+        }
+        // Equal prefixes with a zero in them are equal keys; otherwise the rest decides.
+        auto order3 = [](const Key &a, const Key &b) {
+            if (a.prefix != b.prefix)
+                return a.prefix < b.prefix ? -1 : 1;
+            if (!a.rest || !b.rest)
+                return 0;
+            return std::strcmp(a.rest, b.rest);
+        };
+        auto before = [&](const Key &a, const Key &b) { return order3(a, b) < 0; };
         // Likewise the sort: two halves side by side, then one merge.
-        if (qsizetype(count) >= s_parallelSortSize) {
-            const auto middle = order.begin() + qsizetype(count / 2);
-            std::thread second([&] { std::sort(middle, order.end(), before); });
-            std::sort(order.begin(), middle, before);
+        if (parallel) {
+            const auto middle = keys.begin() + qsizetype(half);
+            std::thread second([&] { std::sort(middle, keys.end(), before); });
+            std::sort(keys.begin(), middle, before);
             second.join();
-            std::inplace_merge(order.begin(), middle, order.end(), before);
+            std::inplace_merge(keys.begin(), middle, keys.end(), before);
         } else {
-            std::sort(order.begin(), order.end(), before);
+            std::sort(keys.begin(), keys.end(), before);
         }
         std::vector<double> rank(count);
         double place = 0;
         for (size_t i = 0; i < count; ++i) {
-            if (i > 0 && keys[size_t(order[i - 1])]->compare(*keys[size_t(order[i])]) != 0)
+            if (i > 0 && order3(keys[i - 1], keys[i]) != 0)
                 ++place;
-            rank[size_t(order[i])] = place;
+            rank[size_t(keys[i].index)] = place;
         }
         return rank;
     }

@@ -10,6 +10,9 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <cstring>
+
 class TestViewPipeline : public QObject {
     Q_OBJECT
 
@@ -34,6 +37,7 @@ private Q_SLOTS:
     void sortNilOrdering_data();
     void sortNilOrdering();
     void longListsSortAsShortOnes();
+    void sortKeysOrderAsTextsCompare();
     void controlClickJoinsTheSort();
     void coverHeaderChangesNothing();
     void sortingASearchDoesNotChangeTheLibrary();
@@ -458,7 +462,8 @@ void TestViewPipeline::longListsSortAsShortOnes()
         QVariantMap more;
         if (i % 17 != 0)
             more.insert(QStringLiteral("genre"), genres[(i * 7) % genres.size()]);
-        f.addTitled(QStringLiteral("T%1").arg((i * 7919) % count), more);
+        // Titles alike in their first words: their keys differ only past the first bytes.
+        f.addTitled(QStringLiteral("Collected Works, Volume %1").arg((i * 7919) % count), more);
     }
     QStringList oids = f.document().mainList()->itemOids();
     ZTItemSorting::sortOids(f.document(), oids,
@@ -478,6 +483,64 @@ void TestViewPipeline::longListsSortAsShortOnes()
         if (byGenre == 0)
             QVERIFY2(ZTTextOrder::compare(a->title(), b->title()) >= 0,
                      qPrintable(QStringLiteral("row %1").arg(i)));
+    }
+}
+
+void TestViewPipeline::sortKeysOrderAsTextsCompare()
+{
+    const QStringList texts{"",
+                            "a",
+                            "A",
+                            "ab",
+                            "abc",
+                            "ABC ",
+                            "résumé",
+                            "resume",
+                            "Resume",
+                            "re-sume",
+                            "re sume",
+                            "10",
+                            "9",
+                            "Zoë",
+                            "zoe",
+                            "Ärger",
+                            "Arg",
+                            "Ωmega",
+                            "Collected Works, Volume 2",
+                            "collected works, volume 10",
+                            "Collected Works, Volume 2a",
+                            "Collected Works",
+                            "!"};
+    for (const QString &a : texts)
+        for (const QString &b : texts) {
+            const QByteArray keyA = ZTTextOrder::sortKey(a);
+            const QByteArray keyB = ZTTextOrder::sortKey(b);
+            QVERIFY(!keyA.contains('\0'));
+            const int byKeys = std::clamp(std::strcmp(keyA.constData(), keyB.constData()), -1, 1);
+            QVERIFY2(byKeys == ZTTextOrder::compare(a, b), qPrintable(a + QStringLiteral(" / ") + b));
+        }
+    // Blind to case, not to accents.
+    QCOMPARE(ZTTextOrder::compare(QStringLiteral("Resume"), QStringLiteral("resume")), 0);
+    QVERIFY(ZTTextOrder::compare(QStringLiteral("résumé"), QStringLiteral("resume")) != 0);
+    QCOMPARE(ZTTextOrder::compare(QStringLiteral("apple"), QStringLiteral("Banana")), -1);
+    // Keys laid end to end in one buffer are each followed by their zero.
+    QByteArray buffer;
+    const qsizetype first = ZTTextOrder::appendSortKey(QStringLiteral("Mango"), buffer);
+    ZTTextOrder::appendSortKey(QStringLiteral("apple"), buffer);
+    QCOMPARE(buffer.size(), first + 1 + ZTTextOrder::sortKey(QStringLiteral("apple")).size() + 1);
+    QCOMPARE(QByteArray(buffer.constData()), ZTTextOrder::sortKey(QStringLiteral("Mango")));
+
+    // A sort by those texts, short keys among long ones, agrees with the comparison.
+    ZTLibraryFixture f;
+    for (const QString &text : texts)
+        f.addTitled(QStringLiteral("x"), {{QStringLiteral("genre"), text}});
+    QStringList oids = f.document().mainList()->itemOids();
+    ZTItemSorting::sortOids(f.document(), oids, {{QStringLiteral("genre"), true, 0}});
+    for (int i = 1; i < oids.size(); ++i) {
+        const QString a =
+            f.document().itemForOid(oids[i - 1])->valueForKey(QStringLiteral("genre")).toString();
+        const QString b = f.document().itemForOid(oids[i])->valueForKey(QStringLiteral("genre")).toString();
+        QVERIFY2(ZTTextOrder::compare(a, b) <= 0, qPrintable(a + QStringLiteral(" / ") + b));
     }
 }
 
