@@ -1,5 +1,6 @@
 #include "library/ZTItemSorting.h"
 
+#include "app/ZTHelperThread.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <thread>
 #include <variant>
 #include <vector>
 
@@ -168,9 +168,8 @@ struct TextColumn {
             }
         };
         if (parallel) {
-            std::thread second(fill, std::ref(buffers[1]), half, count);
-            fill(buffers[0], 0, half);
-            second.join();
+            ZTHelperThread::runSideBySide([&] { fill(buffers[0], 0, half); },
+                                          [&] { fill(buffers[1], half, count); });
         } else {
             fill(buffers[0], 0, count);
         }
@@ -209,9 +208,8 @@ struct TextColumn {
         // Likewise the sort: two halves side by side, then one merge.
         if (parallel) {
             const auto middle = keys.begin() + qsizetype(half);
-            std::thread second([&] { std::sort(middle, keys.end(), before); });
-            std::sort(keys.begin(), middle, before);
-            second.join();
+            ZTHelperThread::runSideBySide([&] { std::sort(keys.begin(), middle, before); },
+                                          [&] { std::sort(middle, keys.end(), before); });
             std::inplace_merge(keys.begin(), middle, keys.end(), before);
         } else {
             std::sort(keys.begin(), keys.end(), before);

@@ -1,6 +1,7 @@
 // The one pass over a list that feeds the filter browser and its counts.
 #include "lists/ZTList.h"
 
+#include "app/ZTHelperThread.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemTable.h"
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -252,9 +252,10 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
         rowTables.push_back(rows);
     }
 
-    // A large list is counted in two halves side by side, each half by its own
-    // tally, and the halves are then joined in list order. Each item is read by
-    // one thread only (a book builds its author arrays on first reading), and
+    // A large list is counted in two halves side by side (the second on the
+    // helper thread), each half by its own tally, and the halves are then
+    // joined in list order. Each item is read by one thread only (a computed
+    // value may be remembered by its item), shared rows are only read, and
     // stored texts are looked at in place, so the threads share no writes.
     struct Tally {
         std::vector<Column> strings, arrays, numbers, booleans;
@@ -366,9 +367,7 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
     const int half = parallel ? rowCount / 2 : rowCount;
     if (parallel) {
         Tally second = newTally();
-        std::thread worker(count, std::ref(second), half, rowCount);
-        count(tally, 0, half);
-        worker.join();
+        ZTHelperThread::runSideBySide([&] { count(tally, 0, half); }, [&] { count(second, half, rowCount); });
         auto join = [](std::vector<Column> &into, const std::vector<Column> &from) {
             for (size_t k = 0; k < into.size(); ++k)
                 into[k].append(from[k]);
@@ -448,9 +447,7 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
     for (const Column &column : tally.booleans)
         publish(column, {0, 1});
     if (parallel) {
-        std::thread worker(fill, half, rowCount);
-        fill(0, half);
-        worker.join();
+        ZTHelperThread::runSideBySide([&] { fill(0, half); }, [&] { fill(half, rowCount); });
     } else {
         fill(0, rowCount);
     }
