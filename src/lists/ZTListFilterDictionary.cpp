@@ -15,6 +15,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
 #include <vector>
 
@@ -40,10 +41,13 @@ struct RowSet {
         if (keep)
             rows.push_back(row);
     }
-    void append(const RowSet &later)
+    // Joins the rows another thread counted: both lists are in row order.
+    void append(const RowSet &other)
     {
-        size += later.size;
-        rows.insert(rows.end(), later.rows.begin(), later.rows.end());
+        size += other.size;
+        const auto middle = qsizetype(rows.size());
+        rows.insert(rows.end(), other.rows.begin(), other.rows.end());
+        std::inplace_merge(rows.begin(), rows.begin() + middle, rows.end());
     }
 };
 
@@ -172,8 +176,8 @@ struct Column {
         hasBlank = true;
         blankRows.add(row, keepRows);
     }
-    // Joins the tally of the rows after this one's: first-seen order and row
-    // order both carry over.
+    // Joins the tally another thread made of other rows: the values it met
+    // first follow this one's, and the rows of each value stay in row order.
     void append(const Column &later)
     {
         for (size_t i = 0; i < later.rows.size(); ++i) {
@@ -252,9 +256,9 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
         rowTables.push_back(rows);
     }
 
-    // A large list is counted in two halves side by side (the second on the
-    // helper thread), each half by its own tally, and the halves are then
-    // joined in list order. Each item is read by one thread only (a computed
+    // A large list is counted by two threads side by side (the calling one
+    // and the helper), each by its own tally, and the tallies are then joined.
+    // Each item is read by one thread only (a computed
     // value may be remembered by its item), shared rows are only read, and
     // stored texts are looked at in place, so the threads share no writes.
     struct Tally {
@@ -366,8 +370,17 @@ ZTListTally ZTList::tallyFromDocument(const ZTDocument &document, const QStringL
     const bool parallel = size_t(rowCount) >= s_parallelListSize;
     const int half = parallel ? rowCount / 2 : rowCount;
     if (parallel) {
+        // The threads take the rows a block at a time, so that neither waits
+        // long for the other when one of them runs slower (a cold cache, a
+        // busy core).
         Tally second = newTally();
-        ZTHelperThread::runSideBySide([&] { count(tally, 0, half); }, [&] { count(second, half, rowCount); });
+        std::atomic<int> next = 0;
+        auto take = [&](Tally &into) {
+            constexpr int block = 2048;
+            for (int from = next.fetch_add(block); from < rowCount; from = next.fetch_add(block))
+                count(into, from, std::min(from + block, rowCount));
+        };
+        ZTHelperThread::runSideBySide([&] { take(tally); }, [&] { take(second); });
         auto join = [](std::vector<Column> &into, const std::vector<Column> &from) {
             for (size_t k = 0; k < into.size(); ++k)
                 into[k].append(from[k]);
