@@ -2,10 +2,6 @@
 
 #include "library/ZTAttributeTables.h"
 
-#include <QHash>
-#include <QMap>
-#include <QSet>
-
 ZTLibraryCaches ZTLibraryCaches::fromTally(ZTListTally tally, Target target)
 {
     ZTLibraryCaches caches;
@@ -23,9 +19,12 @@ ZTLibraryCaches ZTLibraryCaches::empty(const ZTCacheableAttributes &attributes)
     return caches;
 }
 
-QVariantMap ZTLibraryCaches::countDictionary() const
+const QVariantMap &ZTLibraryCaches::countDictionary() const
 {
-    QVariantMap result;
+    // Both dictionaries hold the same table; it is made once and shared.
+    if (m_countDictionary)
+        return *m_countDictionary;
+    QVariantMap &result = m_countDictionary.emplace();
     for (qsizetype k = 0; k < m_tally.keys.size(); ++k) {
         const ZTValueTally &column = m_tally.columns[size_t(k)];
         QVariantMap counts;

@@ -48,11 +48,12 @@ public:
     int count(const QString &key, const QString &value) const;
 
 private:
-    QVariantMap countDictionary() const;
+    const QVariantMap &countDictionary() const;
 
     ZTListTally m_tally;
     Target m_target = Target::Sub;
     bool m_counted = false;
+    mutable std::optional<QVariantMap> m_countDictionary;
     mutable std::optional<QVariantMap> m_cacheDictionary;
     mutable std::optional<QVariantMap> m_tagDictionary;
 };
