@@ -2,7 +2,7 @@
 // import of 100,000 rows and a delimited export of 100,000 items, in a real
 // library package in a temporary folder. The first argument sets the number of
 // rows (100,000 by default).
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "export/ZTExportController.h"
 #include "import/ZTItemImportController.h"
 #include "library/ZTDocument.h"

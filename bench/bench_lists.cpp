@@ -3,10 +3,12 @@
 // filter browser's pass over the main list. The library is made here, saved
 // and reopened, so the figures are those of a library read from disk.
 #include "library/ZTDocument.h"
+#include "library/lists/ZTListDescriptor.h"
+#include "library/lists/ZTListFilter.h"
+#include "library/lists/ZTQualifierText.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTList.h"
-#include "lists/ZTQualifierText.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
 #include "model/ZTItem.h"
 
 #include <QCoreApplication>
@@ -204,8 +206,9 @@ int main(int argc, char **argv)
         for (ZTSmartList *list : document->smartLists()) {
             timer.restart();
             list->handleItems(items);
-            std::printf("  %-10s %7.2f ms  %s\n", qPrintable(list->name()), ms(timer.nsecsElapsed()),
-                        qPrintable(list->descriptorForDocument(*document).section('\n', 1)));
+            std::printf(
+                "  %-10s %7.2f ms  %s\n", qPrintable(list->name()), ms(timer.nsecsElapsed()),
+                qPrintable(ZTListDescriptor::descriptorForDocument(*list, *document).section('\n', 1)));
         }
     }
 
@@ -246,7 +249,8 @@ int main(int argc, char **argv)
     for (int run = 0; run < 3; ++run) {
         timer.restart();
         cpu = cpuNs();
-        const QVariantMap result = document->mainList()->filterDictionaryFromDocument(*document);
+        const QVariantMap result =
+            ZTListFilter::filterDictionaryFromDocument(*document->mainList(), *document);
         passes.push_back(ms(timer.nsecsElapsed()));
         passesCpu.push_back(ms(cpuNs() - cpu));
         keys = int(result.size());

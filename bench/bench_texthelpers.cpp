@@ -1,7 +1,7 @@
 // Prints how long the text helpers take on page-sized input, to show what the
 // full HTML flattening costs against the quick tag strip it stands beside.
-#include "lookup/ZTStringExtras.h"
-#include "scan/ZTCodeFormatter.h"
+#include "base/ZTStringExtras.h"
+#include "model/ZTCodeFormatter.h"
 
 #include <QElapsedTimer>
 #include <QTextStream>

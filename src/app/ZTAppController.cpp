@@ -1,6 +1,6 @@
 #include "app/ZTAppController.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "store/ZTManagedObjectContext.h"
 #include "store/ZTPropertyList.h"
 
@@ -12,8 +12,8 @@
 #include <QStandardPaths>
 
 namespace {
-const QStringList s_stubExtensions{QStringLiteral(".ztbook"), QStringLiteral(".ztmusic"), QStringLiteral(".ztmovie"),
-                                   QStringLiteral(".ztcomic")};
+const QStringList s_stubExtensions{QStringLiteral(".ztbook"), QStringLiteral(".ztmusic"),
+                                   QStringLiteral(".ztmovie"), QStringLiteral(".ztcomic")};
 }
 
 QVariantList ZTAppController::defaultLocaleRows(const QStringList &identifiers)
@@ -34,11 +34,10 @@ QVariantMap ZTAppController::firstRunDefaults()
     };
     return {
         {ZTSettingsKey::FirstRun, true},
-        {ZTSettingsKey::StatisticsDisplay,
-         QVariantMap{{QStringLiteral("itemCount"), 1},
-                     {QStringLiteral("subItemCount"), 1},
-                     {QStringLiteral("totalValue"), 1},
-                     {QStringLiteral("totalPaid"), 1}}},
+        {ZTSettingsKey::StatisticsDisplay, QVariantMap{{QStringLiteral("itemCount"), 1},
+                                                       {QStringLiteral("subItemCount"), 1},
+                                                       {QStringLiteral("totalValue"), 1},
+                                                       {QStringLiteral("totalPaid"), 1}}},
         {ZTSettingsKey::CoverImagesState, 1},
         {ZTSettingsKey::DefaultLocale, QStringLiteral("US")},
         {ZTSettingsKey::DefaultCurrency, QStringLiteral("USD")},
@@ -51,7 +50,10 @@ QVariantMap ZTAppController::firstRunDefaults()
     };
 }
 
-bool ZTAppController::isFirstRun() { return !ZTSettings::value(ZTSettingsKey::FirstRun).toBool(); }
+bool ZTAppController::isFirstRun()
+{
+    return !ZTSettings::value(ZTSettingsKey::FirstRun).toBool();
+}
 
 void ZTAppController::initializeDefaults()
 {
@@ -97,7 +99,8 @@ void ZTAppController::cleanTemporaryFolders()
         return;
     QDir(caches + QStringLiteral("/Zettary/Metadata")).removeRecursively();
     QDir stubs(stubCacheFolder());
-    for (const QFileInfo &entry : stubs.entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
+    for (const QFileInfo &entry :
+         stubs.entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) {
         const QString documentFile = entry.absoluteFilePath() + QStringLiteral("/document.xml");
         if (!QFileInfo::exists(documentFile)) {
             if (entry.isDir())
@@ -108,7 +111,8 @@ void ZTAppController::cleanTemporaryFolders()
         }
         const QVariant document = ZTPropertyList::readFile(documentFile);
         // An unreadable description leaves the folder alone.
-        if (document.typeId() != QMetaType::QVariantMap || !document.toMap().contains(QStringLiteral("document")))
+        if (document.typeId() != QMetaType::QVariantMap ||
+            !document.toMap().contains(QStringLiteral("document")))
             continue;
         const QString library = document.toMap().value(QStringLiteral("document")).toString();
         if (!library.isEmpty() && QFileInfo::exists(library))
@@ -202,84 +206,3 @@ bool ZTAppController::isSharingExportPath(const QString &path)
 {
     return path.contains(QStringLiteral("ZettaryTempSharingExport"));
 }
-
-// ---- value transformers ----
-
-QString ZTValueTransformers::yesNo(const QVariant &value, bool *ok)
-{
-    if (ok)
-        *ok = true;
-    if (!value.isValid() || value.isNull())
-        return QCoreApplication::translate("Localizable", "No");
-    if (!value.canConvert<bool>()) {
-        if (ok)
-            *ok = false;
-        return QCoreApplication::translate("Localizable", "No");
-    }
-    return value.toBool() ? QCoreApplication::translate("Localizable", "Yes")
-                          : QCoreApplication::translate("Localizable", "No");
-}
-
-bool ZTValueTransformers::yesNoReverse(const QString &text)
-{
-    return text == QCoreApplication::translate("Localizable", "Yes");
-}
-
-QString ZTValueTransformers::stringArray(const QVariant &value)
-{
-    QStringList parts;
-    for (const QVariant &v : value.toList())
-        parts << v.toString();
-    return parts.join(QStringLiteral(", "));
-}
-
-QString ZTValueTransformers::ratingImageName(const QVariant &value)
-{
-    const qlonglong rating = qBound(0LL, value.toLongLong(), 5LL);
-    return QStringLiteral("%1.pdf").arg(rating);
-}
-
-bool ZTValueTransformers::colorIsActive(const QVariant &value)
-{
-    if (!value.isValid() || value.isNull())
-        return false;
-    if (value.typeId() == QMetaType::QString || value.typeId() == QMetaType::QStringList ||
-        value.typeId() == QMetaType::QVariantList)
-        return !value.toList().isEmpty() || !value.toString().isEmpty();
-    return true;
-}
-
-QString ZTValueTransformers::numberToString(const QVariant &value)
-{
-    return value.isValid() && !value.isNull() ? value.toString() : QString();
-}
-
-qlonglong ZTValueTransformers::stringToNumber(const QString &text) { return text.trimmed().toLongLong(); }
-
-QString ZTDocumentDefaults::associateTagURLSuffix()
-{
-    const QString tag = ZTSettings::value(ZTSettingsKey::AssociateTag).toString();
-    return tag.isEmpty() ? QString() : QStringLiteral("/ref=nosim/%1").arg(tag);
-}
-
-QString ZTDocumentDefaults::defaultLocaleCode()
-{
-    const QString code = ZTSettings::value(ZTSettingsKey::DefaultLocale).toString();
-    if (code.isEmpty())
-        return QStringLiteral("US");
-    // Older settings name Britain by its common abbreviation.
-    return code == QLatin1String("UK") ? QStringLiteral("GB") : code;
-}
-
-QString ZTDocumentDefaults::defaultCurrencyCode()
-{
-    const QString code = ZTSettings::value(ZTSettingsKey::DefaultCurrency).toString();
-    return code.isEmpty() ? QStringLiteral("USD") : code;
-}
-
-bool ZTDocumentDefaults::shouldFetchCoverImages()
-{
-    return ZTSettings::value(ZTSettingsKey::CoverImagesState).toInt() != 0;
-}
-
-bool ZTDocumentDefaults::shouldSpeakTitles() { return ZTSettings::value(ZTSettingsKey::SpeakTitlesState).toBool(); }

@@ -37,8 +37,8 @@ public:
 
     // A search stub (.ztbook …): whether it is one, and the library and item it names.
     struct StubTarget {
-        bool isStub = false;   // the path has a stub extension: the program answers for it
-        QString libraryPath;   // empty when the stub leads nowhere
+        bool isStub = false; // the path has a stub extension: the program answers for it
+        QString libraryPath; // empty when the stub leads nowhere
         QString oid;
     };
     static StubTarget resolveSearchStub(const QString &path);
@@ -49,28 +49,3 @@ public:
     // The temporary copy that sharing makes is no recent document.
     static bool isSharingExportPath(const QString &path);
 };
-
-// The value transformers of the interface, as plain functions.
-namespace ZTValueTransformers {
-// "Yes"/"No"; nothing reads as "No". `ok` is false for a value without a boolean form.
-QString yesNo(const QVariant &value, bool *ok = nullptr);
-bool yesNoReverse(const QString &text);
-QString stringArray(const QVariant &value);
-// "0.pdf" … "5.pdf": the image of a rating limited to 0–5.
-QString ratingImageName(const QVariant &value);
-bool colorIsActive(const QVariant &value);
-QString numberToString(const QVariant &value);
-qlonglong stringToNumber(const QString &text);
-} // namespace ZTValueTransformers
-
-// Settings a library reads when it opens and whenever they change.
-namespace ZTDocumentDefaults {
-// "/ref=nosim/TAG" for a non-empty associate tag, else "".
-QString associateTagURLSuffix();
-// The stored default country; "UK" is read as "GB", nothing as "US".
-QString defaultLocaleCode();
-// The stored default currency; nothing reads as "USD".
-QString defaultCurrencyCode();
-bool shouldFetchCoverImages();
-bool shouldSpeakTitles();
-} // namespace ZTDocumentDefaults

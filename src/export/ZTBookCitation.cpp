@@ -1,8 +1,8 @@
 #include "export/ZTBookCitation.h"
 
 #include "model/ZTBook.h"
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTItemText.h"
-#include "scan/ZTCodeFormatter.h"
 
 #include <QCoreApplication>
 

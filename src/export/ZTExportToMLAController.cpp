@@ -1,7 +1,7 @@
 #include "export/ZTExportToMLAController.h"
 
+#include "base/ZTStringExtras.h"
 #include "export/ZTBookCitation.h"
-#include "lookup/ZTStringExtras.h"
 #include "model/ZTBook.h"
 
 #include <QCoreApplication>

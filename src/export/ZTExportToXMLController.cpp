@@ -1,8 +1,8 @@
 #include "export/ZTExportToXMLController.h"
 
-#include "export/ZTItemXML.h"
+#include "base/ZTStringExtras.h"
 #include "library/ZTDocument.h"
-#include "lookup/ZTStringExtras.h"
+#include "library/ZTItemXML.h"
 #include "model/ZTItem.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "export/ZTListPickerController.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"

@@ -1,6 +1,6 @@
 #include "library/ZTContacts.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,9 @@
 #include "library/ZTDocument.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTKindDocuments.h"
+#include "library/ZTLibraryModel.h"
 #include "lists/ZTList.h"
 #include "lists/ZTSmartList.h"
 #include "model/ZTItem.h"
@@ -83,7 +84,7 @@ bool ZTDocument::writeTemplateStore(const QString &path, QString *error)
     }
     const QString folder = QFileInfo(path).absolutePath();
     const QString name = QFileInfo(path).fileName();
-    ZTManagedObjectContext context(ZTObjectModel::shared());
+    ZTManagedObjectContext context(ZTLibraryModel::objectModel());
     // The session opens "data.sql" inside a folder; work beside the target.
     QTemporaryDir work(folder + QStringLiteral("/.template-XXXXXX"));
     if (!work.isValid() || !QFile::rename(path, work.filePath(QStringLiteral("data.sql")))) {
@@ -165,7 +166,7 @@ bool ZTDocument::readFromURL(const QString &path, QString *error)
             *error = QStringLiteral("\"%1\" holds no store (data.sql)").arg(path);
         return false;
     }
-    m_context = std::make_unique<ZTManagedObjectContext>(ZTObjectModel::shared());
+    m_context = std::make_unique<ZTManagedObjectContext>(ZTLibraryModel::objectModel());
     QString message;
     if (!m_context->open(m_path, &message)) {
         if (error)

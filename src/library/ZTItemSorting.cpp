@@ -1,6 +1,6 @@
 #include "library/ZTItemSorting.h"
 
-#include "app/ZTHelperThread.h"
+#include "base/ZTHelperThread.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"

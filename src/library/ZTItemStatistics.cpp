@@ -1,6 +1,6 @@
 #include "library/ZTItemStatistics.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemTable.h"
 #include "library/ZTTextOrder.h"

@@ -1,6 +1,6 @@
 #include "library/ZTMultipleEdit.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTAttributeTables.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemStatistics.h"

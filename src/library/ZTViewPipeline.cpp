@@ -1,4 +1,5 @@
 #include "library/ZTViewPipeline.h"
+#include "library/lists/ZTListFilter.h"
 
 #include "library/ZTAttributeTables.h"
 #include "library/ZTContacts.h"
@@ -8,8 +9,8 @@
 #include "library/ZTTextOrder.h"
 #include "lists/ZTList.h"
 #include "lists/ZTListTally.h"
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTItem.h"
-#include "scan/ZTCodeFormatter.h"
 
 #include <QCoreApplication>
 
@@ -134,7 +135,8 @@ QStringList *ZTViewPipeline::arrayBehindView(ZTList **list)
 ZTListTally ZTViewPipeline::tallyForList(const ZTList &list) const
 {
     // The caches keep values and counts, not which items hold them.
-    return list.tallyFromDocument(m_document, ZTContacts::shared().peopleFromAddressBook(), false);
+    return ZTListFilter::tallyFromDocument(list, m_document, ZTContacts::shared().peopleFromAddressBook(),
+                                           false);
 }
 
 void ZTViewPipeline::updateMainCaches()

@@ -1,7 +1,6 @@
 #include "lists/ZTList.h"
 
-#include "app/ZTNotificationCenter.h"
-#include "library/ZTDocument.h"
+#include "base/ZTNotificationCenter.h"
 #include "store/ZTManagedObjectContext.h"
 #include "store/ZTOid.h"
 #include "store/ZTPropertyList.h"
@@ -133,11 +132,6 @@ void ZTList::endUpdates()
         return;
     m_changedInBatch = false;
     updateListData();
-}
-
-QString ZTList::descriptorForDocument(const ZTDocument &document) const
-{
-    return document.itemDescriptionStringForCount(count());
 }
 
 void ZTList::awakeFromInsert()

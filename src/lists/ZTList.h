@@ -6,9 +6,6 @@
 #include <QStringList>
 #include <QVariantMap>
 
-class ZTDocument;
-struct ZTListTally;
-
 // An ordered set of item oids. The main list (libraryFlag 1) holds every item.
 class ZTList : public ZTManagedObject {
 public:
@@ -50,21 +47,6 @@ public:
 
     virtual bool allowsItemDrop() const { return true; }
     virtual bool isSmartList() const { return false; }
-    // The list's tool tip: how many items it holds.
-    virtual QString descriptorForDocument(const ZTDocument &document) const;
-
-    // What the filter browser shows for this list: per cacheable attribute the
-    // sorted values, and under "[[[COUNT]]]" and "[[[OID]]]" the count (as a
-    // decimal string) and the oids of every value. `addressBookNames` seeds the
-    // "personName" completion list.
-    // The value caches need the counts alone: `withOids` false leaves out the
-    // "[[[OID]]]" table, the larger part of the work and of the memory.
-    QVariantMap filterDictionaryFromDocument(const ZTDocument &document,
-                                             const QStringList &addressBookNames = {},
-                                             bool withOids = true) const;
-    // The same pass, before it is put in property-list form.
-    ZTListTally tallyFromDocument(const ZTDocument &document, const QStringList &addressBookNames = {},
-                                  bool withOids = true) const;
 
     void awakeFromInsert() override;
     void awakeFromFetch() override;

@@ -8,7 +8,6 @@
 #include <vector>
 
 class ZTItem;
-class ZTDocument;
 class ZTPatternDateFormatter;
 
 // The words a qualifier dictionary is written in. They reach disk in every
@@ -57,7 +56,6 @@ public:
 
     bool allowsItemDrop() const override { return false; }
     bool isSmartList() const override { return true; }
-    QString descriptorForDocument(const ZTDocument &document) const override;
 
     // 0: every qualifier must hold; 1: any one is enough.
     int andOrFlag() const;

@@ -1,9 +1,9 @@
 #include "lookup/ZTFetchManager.h"
 
-#include "app/ZTNotificationCenter.h"
-#include "lookup/ZTCollections.h"
+#include "base/ZTCollections.h"
+#include "base/ZTNotificationCenter.h"
+#include "base/ZTStringExtras.h"
 #include "lookup/ZTFetcher.h"
-#include "lookup/ZTStringExtras.h"
 
 namespace {
 const QString DoneFetching = QStringLiteral("ZTFetchManagerDoneFetching");

@@ -1,12 +1,12 @@
 #include "lookup/ZTFetcher.h"
 
-#include "app/ZTNotificationCenter.h"
-#include "lookup/ZTDataExtras.h"
+#include "base/ZTDataExtras.h"
+#include "base/ZTNotificationCenter.h"
+#include "base/ZTStringExtras.h"
 #include "lookup/ZTFetchManager.h"
 #include "lookup/ZTSiteOverride.h"
-#include "lookup/ZTStringExtras.h"
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTItem.h"
-#include "scan/ZTCodeFormatter.h"
 #include "store/ZTPropertyList.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 #include "lookup/ZTFetcherAlbumsAmazon.h"
 
-#include "lookup/ZTStringExtras.h"
+#include "base/ZTStringExtras.h"
 
 using namespace ZTText;
 

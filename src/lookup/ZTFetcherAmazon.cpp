@@ -1,7 +1,7 @@
 #include "lookup/ZTFetcherAmazon.h"
 
-#include "lookup/ZTCalendarExtras.h"
-#include "lookup/ZTStringExtras.h"
+#include "base/ZTCalendarExtras.h"
+#include "base/ZTStringExtras.h"
 
 #include <QRegularExpression>
 

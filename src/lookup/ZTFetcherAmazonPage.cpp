@@ -3,8 +3,8 @@
 // one); both are read, and what a page lacks is simply left out.
 #include "lookup/ZTFetcherAmazon.h"
 
-#include "lookup/ZTStringExtras.h"
-#include "scan/ZTCodeFormatter.h"
+#include "base/ZTStringExtras.h"
+#include "model/ZTCodeFormatter.h"
 
 #include <QRegularExpression>
 

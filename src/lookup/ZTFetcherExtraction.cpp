@@ -3,8 +3,8 @@
 // that breaks a rule leaves the key as it was.
 #include "lookup/ZTFetcher.h"
 
-#include "lookup/ZTCalendarExtras.h"
-#include "lookup/ZTStringExtras.h"
+#include "base/ZTCalendarExtras.h"
+#include "base/ZTStringExtras.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #include "lookup/ZTFetcherMoviesAmazon.h"
 
-#include "lookup/ZTCalendarExtras.h"
-#include "lookup/ZTStringExtras.h"
+#include "base/ZTCalendarExtras.h"
+#include "base/ZTStringExtras.h"
 
 using namespace ZTText;
 

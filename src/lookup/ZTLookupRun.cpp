@@ -1,6 +1,6 @@
 #include "lookup/ZTLookupRun.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "lookup/ZTFetcher.h"
 #include "model/ZTLookupMerge.h"
 

@@ -1,8 +1,8 @@
 #include "lookup/ZTPageGetter.h"
 
-#include "lookup/ZTDataExtras.h"
+#include "base/ZTDataExtras.h"
 #include "lookup/ZTSiteOverride.h"
-#include "scan/ZTCodeFormatter.h"
+#include "model/ZTCodeFormatter.h"
 
 #include <QEventLoop>
 #include <QNetworkAccessManager>
@@ -38,4 +38,7 @@ QByteArray ZTPageGetter::fetch(const QUrl &url)
     return bytes.isEmpty() ? QByteArray() : bytes;
 }
 
-void ZTPageGetter::install() { ZTCodeFormatter::setPageGetter(&ZTPageGetter::fetch); }
+void ZTPageGetter::install()
+{
+    ZTCodeFormatter::setPageGetter(&ZTPageGetter::fetch);
+}

@@ -38,10 +38,6 @@ public:
     QVariantMap dictionary() const;
     void handleDictionary(const QVariantMap &dictionary);
     bool takeAttributesFromDictionary(const QVariantMap &dictionary);
-    // The same from maps keyed by the sheets' labels ("Title", "Date Read" …).
-    static QVariantMap dictionaryFromDisplayDictionary(ZTMediaKind kind, const QVariantMap &display,
-                                                       const QString &defaultCurrency);
-    void handleDisplayDictionary(const QVariantMap &display, const QString &defaultCurrency);
     void clearAttributes(const QStringList &keys);
 
     QVariant valueForKey(const QString &key) const override;

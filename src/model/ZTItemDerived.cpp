@@ -1,11 +1,11 @@
 #include "model/ZTItemDerived.h"
 
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTItemSortKeys.h"
 #include "model/ZTItemStatus.h"
 #include "model/ZTItemText.h"
 #include "model/ZTMoneyFormatter.h"
 #include "model/ZTShopLinks.h"
-#include "scan/ZTCodeFormatter.h"
 
 #include <QCoreApplication>
 
@@ -14,7 +14,10 @@ QString ZTItemDerived::titleWithoutLeadingArticle(const QString &title, const QS
     return ZTItemText::titleWithoutLeadingArticle(title, localeCode);
 }
 
-QString ZTItemDerived::lastNameFirst(const QString &name) { return ZTItemText::lastNameFirst(name); }
+QString ZTItemDerived::lastNameFirst(const QString &name)
+{
+    return ZTItemText::lastNameFirst(name);
+}
 
 QString ZTItemDerived::volumeNumberSortable(const QString &volumeNumber, const QString &previousKey)
 {
@@ -41,7 +44,10 @@ QString ZTItemDerived::issueNumberCountString(const QVariant &issueNumber, const
     return ZTItemText::issueNumberCountString(issueNumber, issueCount);
 }
 
-bool ZTItemDerived::isOverdue(const QDate &due, const QDate &today) { return ZTItemStatus::isOverdue(due, today); }
+bool ZTItemDerived::isOverdue(const QDate &due, const QDate &today)
+{
+    return ZTItemStatus::isOverdue(due, today);
+}
 
 QString ZTItemDerived::localizedRole(const QString &role)
 {

@@ -1,6 +1,6 @@
 #include "sharing/ZTSharingController.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "sharing/ZTSharingExportController.h"
 #include "sharing/ZTSharingPackage.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 
 #include <QList>
 #include <QMutex>

@@ -1,6 +1,6 @@
 #include "sharing/ZTSharingExportController.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "library/ZTDocument.h"
 #include "model/ZTMediaKind.h"
 #include "sharing/ZTSharingPackage.h"

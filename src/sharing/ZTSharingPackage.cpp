@@ -1,7 +1,8 @@
 #include "sharing/ZTSharingPackage.h"
+#include "library/lists/ZTListFilter.h"
 
-#include "export/ZTItemXML.h"
 #include "library/ZTDocument.h"
+#include "library/ZTItemXML.h"
 #include "lists/ZTList.h"
 #include "model/ZTItem.h"
 #include "sharing/ZTSharingLayout.h"
@@ -186,7 +187,7 @@ QStringList ZTSharingPackage::writePackage(const ZTDocument &document, const QSt
     QDir(packageFolder).mkdir(QStringLiteral("items"));
     out.plist(QStringLiteral("items.xml"), itemList(mainOids));
     out.plist(QStringLiteral("filter.xml"),
-              main ? main->filterDictionaryFromDocument(document) : QVariantMap());
+              main ? ZTListFilter::filterDictionaryFromDocument(*main, document) : QVariantMap());
 
     QFile::copy(QStringLiteral(":/search.sql"), out.path(QStringLiteral("search.sql")));
     QFile::setPermissions(out.path(QStringLiteral("search.sql")),
@@ -233,7 +234,8 @@ QStringList ZTSharingPackage::writePackage(const ZTDocument &document, const QSt
     for (const auto &[uuid, list] : std::as_const(listFolders)) {
         QDir(packageFolder).mkdir(uuid);
         out.plist(uuid + QStringLiteral("/items.xml"), itemList(list->itemOids()));
-        out.plist(uuid + QStringLiteral("/filter.xml"), list->filterDictionaryFromDocument(document));
+        out.plist(uuid + QStringLiteral("/filter.xml"),
+                  ZTListFilter::filterDictionaryFromDocument(*list, document));
     }
 
     out.plist(QStringLiteral("layoutDict.xml"), ZTSharingLayout::layoutDictionary(kind));

@@ -1,6 +1,6 @@
 #include "sharing/ZTTouchController.h"
 
-#include "lookup/ZTDataExtras.h"
+#include "base/ZTDataExtras.h"
 #include "sharing/ZTWebServer.h"
 #include "sharing/http/HTTPServer.h"
 

@@ -43,15 +43,34 @@ void ZTEntity::finalize()
     }
 }
 
-const ZTObjectModel &ZTObjectModel::shared()
+void ZTObjectModel::addEntity(const QString &name, int number, const QString &parentName,
+                              std::function<ZTManagedObject *()> factory,
+                              const QVector<ZTAttribute> &attributes, const QVector<ZTRelationship> &toOne,
+                              const QVector<ZTRelationship> &toMany, bool isAbstract)
 {
-    static const ZTObjectModel model;
-    return model;
-}
-
-ZTObjectModel::ZTObjectModel()
-{
-    build();
+    auto *e = new ZTEntity;
+    e->name = name;
+    e->entityNumber = number;
+    e->parentName = parentName;
+    e->isAbstract = isAbstract;
+    e->factory = std::move(factory);
+    if (const ZTEntity *p = m_entities.value(parentName)) {
+        e->parent = p;
+        e->rootName = p->rootName;
+        e->attributes = p->attributes + attributes;
+        e->toOne = p->toOne + toOne;
+        e->toMany = p->toMany + toMany;
+    } else {
+        e->rootName = e->name;
+        e->attributes = attributes;
+        e->toOne = toOne;
+        e->toMany = toMany;
+    }
+    e->tableName = QStringLiteral("Z") + e->rootName.toUpper();
+    e->finalize();
+    m_entities.insert(e->name, e);
+    m_byNumber.insert(number, e);
+    m_order << e->name;
 }
 
 ZTObjectModel::~ZTObjectModel()

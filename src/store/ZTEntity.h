@@ -73,7 +73,17 @@ private:
 // The set of entities a library store holds.
 class ZTObjectModel {
 public:
-    static const ZTObjectModel &shared();
+    ZTObjectModel() = default;
+    ZTObjectModel(const ZTObjectModel &) = delete;
+    ZTObjectModel &operator=(const ZTObjectModel &) = delete;
+    ~ZTObjectModel();
+
+    // Adds an entity; a child names a parent added before it and inherits its
+    // attributes and relationships, stored in the parent's table.
+    void addEntity(const QString &name, int number, const QString &parentName,
+                   std::function<ZTManagedObject *()> factory, const QVector<ZTAttribute> &attributes,
+                   const QVector<ZTRelationship> &toOne = {}, const QVector<ZTRelationship> &toMany = {},
+                   bool isAbstract = false);
 
     const ZTEntity *entity(const QString &name) const { return m_entities.value(name, nullptr); }
     const ZTEntity *entityForNumber(int number) const { return m_byNumber.value(number, nullptr); }
@@ -83,11 +93,7 @@ public:
     // Every concrete entity stored in the table of `root`.
     QList<const ZTEntity *> entitiesInTable(const QString &root) const;
 
-    ~ZTObjectModel();
-
 private:
-    ZTObjectModel();
-    void build();
     QHash<QString, ZTEntity *> m_entities;
     QHash<int, ZTEntity *> m_byNumber;
     QStringList m_order;

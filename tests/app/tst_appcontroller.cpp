@@ -1,7 +1,9 @@
 #include "app/ZTAppController.h"
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
+#include "library/ZTDocumentDefaults.h"
 #include "store/ZTManagedObjectContext.h"
 #include "store/ZTPropertyList.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QDir>
@@ -47,13 +49,18 @@ private Q_SLOTS:
         QCOMPARE(ZTSettings::value(ZTSettingsKey::CoverImagesState).toInt(), 1);
         const QVariantList books = ZTSettings::value(ZTSettingsKey::LocaleBooksArray).toList();
         QCOMPARE(books.size(), 9);
-        QCOMPARE(books.first().toMap().value(QStringLiteral("locale")).toString(), QStringLiteral("Books_US_Amazon"));
+        QCOMPARE(books.first().toMap().value(QStringLiteral("locale")).toString(),
+                 QStringLiteral("Books_US_Amazon"));
         QCOMPARE(books.last().toMap().value(QStringLiteral("locale")).toString(),
                  QStringLiteral("Books_US_LibraryOfCongress"));
         QCOMPARE(books.last().toMap().value(QStringLiteral("activeFlag")).toInt(), 1);
         QCOMPARE(ZTSettings::value(ZTSettingsKey::LocaleMusicArray).toList().size(), 8);
         QCOMPARE(ZTSettings::value(ZTSettingsKey::LocaleComicsArray).toList().size(), 2);
-        QCOMPARE(ZTSettings::value(ZTSettingsKey::StatisticsDisplay).toMap().value(QStringLiteral("totalPaid")).toInt(), 1);
+        QCOMPARE(ZTSettings::value(ZTSettingsKey::StatisticsDisplay)
+                     .toMap()
+                     .value(QStringLiteral("totalPaid"))
+                     .toInt(),
+                 1);
         // Until the first start has run, a second start writes the values again.
         QVERIFY(ZTAppController::isFirstRun());
         ZTSettings::setValue(ZTSettingsKey::DefaultLocale, QStringLiteral("DE"));
@@ -128,12 +135,16 @@ private Q_SLOTS:
         QCOMPARE(target.libraryPath, library);
         // Blank oid, no oid, other extension, or not UTF-8: answered, but leads nowhere.
         writeFile(dir.filePath(QStringLiteral("blank.ztmovie")), "<oid>   </oid>");
-        QVERIFY(ZTAppController::resolveSearchStub(dir.filePath(QStringLiteral("blank.ztmovie"))).libraryPath.isEmpty());
+        QVERIFY(ZTAppController::resolveSearchStub(dir.filePath(QStringLiteral("blank.ztmovie")))
+                    .libraryPath.isEmpty());
         writeFile(dir.filePath(QStringLiteral("latin.ztcomic")), "<oid>\xe9\xff</oid>");
-        QVERIFY(ZTAppController::resolveSearchStub(dir.filePath(QStringLiteral("latin.ztcomic"))).oid.isEmpty());
+        QVERIFY(
+            ZTAppController::resolveSearchStub(dir.filePath(QStringLiteral("latin.ztcomic"))).oid.isEmpty());
         QVERIFY(!ZTAppController::resolveSearchStub(dir.filePath(QStringLiteral("x.ztbooklib"))).isStub);
-        QVERIFY(ZTAppController::shouldSwallowError(QStringLiteral("The file item.ztmusic could not be opened")));
-        QVERIFY(!ZTAppController::shouldSwallowError(QStringLiteral("The file lib.ztmusiclib could not be opened")));
+        QVERIFY(
+            ZTAppController::shouldSwallowError(QStringLiteral("The file item.ztmusic could not be opened")));
+        QVERIFY(!ZTAppController::shouldSwallowError(
+            QStringLiteral("The file lib.ztmusiclib could not be opened")));
     }
 
     void cleanUpRemovesStagingAndStaleStubFolders()
@@ -145,15 +156,17 @@ private Q_SLOTS:
         const QString living = libraries.filePath(QStringLiteral("alive.ztbooklib"));
         QVERIFY(QDir().mkpath(living));
         QVERIFY(ZTPropertyList::writeFile(stubs + QStringLiteral("/alive/document.xml"),
-                                          QVariantMap{{QStringLiteral("document"), living}}, ZTPropertyList::Format::Xml)
-                || (QDir().mkpath(stubs + QStringLiteral("/alive")) &&
-                    ZTPropertyList::writeFile(stubs + QStringLiteral("/alive/document.xml"),
-                                              QVariantMap{{QStringLiteral("document"), living}},
-                                              ZTPropertyList::Format::Xml)));
+                                          QVariantMap{{QStringLiteral("document"), living}},
+                                          ZTPropertyList::Format::Xml) ||
+                (QDir().mkpath(stubs + QStringLiteral("/alive")) &&
+                 ZTPropertyList::writeFile(stubs + QStringLiteral("/alive/document.xml"),
+                                           QVariantMap{{QStringLiteral("document"), living}},
+                                           ZTPropertyList::Format::Xml)));
         QDir().mkpath(stubs + QStringLiteral("/gone"));
-        ZTPropertyList::writeFile(stubs + QStringLiteral("/gone/document.xml"),
-                                  QVariantMap{{QStringLiteral("document"), libraries.filePath(QStringLiteral("no.ztbooklib"))}},
-                                  ZTPropertyList::Format::Xml);
+        ZTPropertyList::writeFile(
+            stubs + QStringLiteral("/gone/document.xml"),
+            QVariantMap{{QStringLiteral("document"), libraries.filePath(QStringLiteral("no.ztbooklib"))}},
+            ZTPropertyList::Format::Xml);
         writeFile(stubs + QStringLiteral("/unreadable/document.xml"), "not a property list");
         writeFile(stubs + QStringLiteral("/bare/item.ztbook"), "<oid>x</oid>");
         ZTAppController::cleanTemporaryFolders();
@@ -163,24 +176,7 @@ private Q_SLOTS:
         QVERIFY(QFileInfo::exists(stubs + QStringLiteral("/unreadable")));
         QVERIFY(!QFileInfo::exists(stubs + QStringLiteral("/bare")));
     }
-
-    void valueTransformers()
-    {
-        bool ok = true;
-        QCOMPARE(ZTValueTransformers::yesNo(QVariant(), &ok), QStringLiteral("No"));
-        QVERIFY(ok);
-        QCOMPARE(ZTValueTransformers::yesNo(true), QStringLiteral("Yes"));
-        QVERIFY(ZTValueTransformers::yesNoReverse(QStringLiteral("Yes")));
-        QVERIFY(!ZTValueTransformers::yesNoReverse(QStringLiteral("yes")));
-        QCOMPARE(ZTValueTransformers::ratingImageName(9), QStringLiteral("5.pdf"));
-        QCOMPARE(ZTValueTransformers::ratingImageName(-2), QStringLiteral("0.pdf"));
-        QCOMPARE(ZTValueTransformers::ratingImageName(QVariant()), QStringLiteral("0.pdf"));
-        QCOMPARE(ZTValueTransformers::stringArray(QStringList{QStringLiteral("a"), QStringLiteral("b")}),
-                 QStringLiteral("a, b"));
-        QVERIFY(!ZTValueTransformers::colorIsActive(QString()));
-        QVERIFY(ZTValueTransformers::colorIsActive(QStringLiteral("x")));
-    }
 };
 
-QTEST_GUILESS_MAIN(TestAppController)
+ZT_TEST_MAIN(TestAppController)
 #include "tst_appcontroller.moc"

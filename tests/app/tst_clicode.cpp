@@ -1,3 +1,4 @@
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QJsonDocument>
@@ -114,5 +115,5 @@ void TestCliCode::badArgumentsExitWithTwo()
     QVERIFY2(r.err.contains(message), r.err.constData());
 }
 
-QTEST_GUILESS_MAIN(TestCliCode)
+ZT_TEST_MAIN(TestCliCode)
 #include "tst_clicode.moc"

@@ -1,8 +1,9 @@
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "lookup/sites/ZTSiteRegistry.h"
 #include "model/ZTItem.h"
 #include "support/ZTTestHttpServer.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QBuffer>
@@ -142,5 +143,5 @@ void TestCliLookup::refusesBadArguments()
     QVERIFY(m_server->requestedPaths.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestCliLookup)
+ZT_TEST_MAIN(TestCliLookup)
 #include "tst_clilookup.moc"

@@ -1,4 +1,5 @@
 // zettary-cli's view, list and lending commands, run as a user would on a real library.
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QJsonArray>
@@ -245,5 +246,5 @@ void TestCliView::duplicatesAndUnlisted()
     QVERIFY2(stats.out.startsWith(QStringLiteral("2 books, 1,100 pages")), qPrintable(stats.out));
 }
 
-QTEST_GUILESS_MAIN(TestCliView)
+ZT_TEST_MAIN(TestCliView)
 #include "tst_cliview.moc"

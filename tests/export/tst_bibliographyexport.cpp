@@ -4,12 +4,13 @@
 #include "export/ZTExportToBibtexController.h"
 #include "export/ZTExportToMLAController.h"
 #include "export/ZTExportToXMLController.h"
-#include "export/ZTItemXML.h"
 #include "library/ZTDocument.h"
+#include "library/ZTItemXML.h"
 #include "lists/ZTList.h"
 #include "model/ZTBook.h"
 #include "model/ZTDateBit.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QProcess>
@@ -303,5 +304,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestBibliographyExport)
+ZT_TEST_MAIN(TestBibliographyExport)
 #include "tst_bibliographyexport.moc"

@@ -9,6 +9,7 @@
 #include "model/ZTDateBit.h"
 #include "model/ZTItem.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QJsonArray>
@@ -327,5 +328,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDelimitedExport)
+ZT_TEST_MAIN(TestDelimitedExport)
 #include "tst_delimitedexport.moc"

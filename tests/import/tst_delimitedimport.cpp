@@ -7,6 +7,7 @@
 #include "lists/ZTList.h"
 #include "model/ZTBook.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QSet>
@@ -530,5 +531,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDelimitedImport)
+ZT_TEST_MAIN(TestDelimitedImport)
 #include "tst_delimitedimport.moc"

@@ -3,14 +3,15 @@
 // can take. The command line does the same end to end, and refuses bad files
 // without touching the library.
 #include "export/ZTExportController.h"
-#include "import/ZTDisplayDictionary.h"
 #include "import/ZTItemImportController.h"
 #include "library/ZTAttributeTables.h"
+#include "library/ZTDisplayDictionary.h"
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"
 #include "model/ZTDateBit.h"
 #include "model/ZTItem.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QLocale>
@@ -340,5 +341,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRoundTrip)
+ZT_TEST_MAIN(TestRoundTrip)
 #include "tst_roundtrip.moc"

@@ -1,4 +1,5 @@
 #include "library/ZTAttributeTables.h"
+#include "support/ZTTestMain.h"
 
 #include <QCollator>
 #include <QSet>
@@ -800,5 +801,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestAttributeTables)
+ZT_TEST_MAIN(TestAttributeTables)
 #include "tst_attributetables.moc"

@@ -1,9 +1,10 @@
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"
 #include "model/ZTBook.h"
 #include "store/ZTManagedObjectContext.h"
 #include "support/ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QDir>
@@ -28,7 +29,7 @@ QList<qint64> priceLocaleKeys(ZTDocument &document, const QString &code)
 {
     QList<qint64> keys;
     for (ZTManagedObject *row : document.managedObjectContext()->fetch(QStringLiteral("ZTPriceLocale"),
-                                                                        QStringLiteral("code"), code))
+                                                                       QStringLiteral("code"), code))
         keys << row->primaryKey();
     return keys;
 }
@@ -102,19 +103,25 @@ private Q_SLOTS:
             QVERIFY(document->saveDocument());
         }
         // Two extra EUR rows under known keys; the item points at the larger.
-        QVERIFY(sql(fixture.path(), QStringLiteral("DELETE FROM ZZTPRICELOCALE WHERE ZCODE='EUR';"
-                                                   "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (905, 22, 1, 'EUR');"
-                                                   "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (909, 22, 1, 'EUR');"
-                                                   "UPDATE ZZTITEM SET ZTOPRICELOCALE=909, ZTOPRICEPAIDLOCALE=909;")));
+        QVERIFY(sql(fixture.path(),
+                    QStringLiteral(
+                        "DELETE FROM ZZTPRICELOCALE WHERE ZCODE='EUR';"
+                        "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (905, 22, 1, 'EUR');"
+                        "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (909, 22, 1, 'EUR');"
+                        "UPDATE ZZTITEM SET ZTOPRICELOCALE=909, ZTOPRICEPAIDLOCALE=909;")));
         {
             auto document = fixture.open();
             QCOMPARE(priceLocaleKeys(*document, QStringLiteral("EUR")), QList<qint64>{905});
             QCOMPARE(document->itemForOid(oid)->priceLocale(), QStringLiteral("EUR"));
-            QCOMPARE(document->itemForOid(oid)->toOneForKey(QStringLiteral("toPriceLocale"))->primaryKey(), 905);
+            QCOMPARE(document->itemForOid(oid)->toOneForKey(QStringLiteral("toPriceLocale"))->primaryKey(),
+                     905);
             QVERIFY(!document->isDocumentEdited());
         }
         // A smaller key found later wins, and items follow it.
-        QVERIFY(sql(fixture.path(), QStringLiteral("INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (900, 22, 1, 'EUR');")));
+        QVERIFY(
+            sql(fixture.path(),
+                QStringLiteral(
+                    "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (900, 22, 1, 'EUR');")));
         auto document = fixture.open();
         QCOMPARE(priceLocaleKeys(*document, QStringLiteral("EUR")), QList<qint64>{900});
         QCOMPARE(document->itemForOid(oid)->toOneForKey(QStringLiteral("toPriceLocale"))->primaryKey(), 900);
@@ -123,10 +130,13 @@ private Q_SLOTS:
     void threeEqualCurrenciesNeedTwoOpenings()
     {
         ZTLibraryFixture fixture;
-        QVERIFY(sql(fixture.path(), QStringLiteral("DELETE FROM ZZTPRICELOCALE WHERE ZCODE='CHF';"
-                                                   "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (801, 22, 1, 'CHF');"
-                                                   "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (802, 22, 1, 'CHF');"
-                                                   "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (803, 22, 1, 'CHF');")));
+        QVERIFY(
+            sql(fixture.path(),
+                QStringLiteral(
+                    "DELETE FROM ZZTPRICELOCALE WHERE ZCODE='CHF';"
+                    "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (801, 22, 1, 'CHF');"
+                    "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (802, 22, 1, 'CHF');"
+                    "INSERT INTO ZZTPRICELOCALE (Z_PK, Z_ENT, Z_OPT, ZCODE) VALUES (803, 22, 1, 'CHF');")));
         QCOMPARE(priceLocaleKeys(*fixture.open(), QStringLiteral("CHF")).size(), 2);
         QCOMPARE(priceLocaleKeys(*fixture.open(), QStringLiteral("CHF")), QList<qint64>{801});
     }
@@ -145,8 +155,9 @@ private Q_SLOTS:
     {
         ZTLibraryFixture fixture;
         auto document = fixture.open();
-        ZTItem *item = document->addItemFromDictionary({{QStringLiteral("keywords"), QStringList{QStringLiteral("old")}},
-                                                        {QStringLiteral("authors"), QStringList{QStringLiteral("Ann")}}});
+        ZTItem *item = document->addItemFromDictionary(
+            {{QStringLiteral("keywords"), QStringList{QStringLiteral("old")}},
+             {QStringLiteral("authors"), QStringList{QStringLiteral("Ann")}}});
         QVERIFY(document->saveDocument());
         const auto &keywords = document->managedObjectContext()->mutableOidTable(QStringLiteral("ZTKeyword"));
         QCOMPARE(keywords.size(), 1);
@@ -161,8 +172,10 @@ private Q_SLOTS:
         QCOMPARE(tables.value(QStringLiteral("ZTAuthor")).size(), 1);
         QCOMPARE(tables.value(QStringLiteral("ZTAuthorRole")).size(), 1);
         // A name used again after pruning is found afresh.
-        ZTItem *again = reopened->addItemFromDictionary({{QStringLiteral("keywords"), QStringList{QStringLiteral("old")}}});
-        QCOMPARE(again->valueForKey(QStringLiteral("keywords")).toStringList(), QStringList{QStringLiteral("old")});
+        ZTItem *again = reopened->addItemFromDictionary(
+            {{QStringLiteral("keywords"), QStringList{QStringLiteral("old")}}});
+        QCOMPARE(again->valueForKey(QStringLiteral("keywords")).toStringList(),
+                 QStringList{QStringLiteral("old")});
     }
 
     void changesAreRecordedAndSavesAnnounced()
@@ -171,19 +184,22 @@ private Q_SLOTS:
         auto document = fixture.open();
         int saved = 0;
         qint64 node = 0;
-        ZTObservation observer(ZTDocumentNotification::savedLibrary, document.get(), [&](const ZTNotification &n) {
-            ++saved;
-            node = n.userInfo.value(QStringLiteral("nodeID")).toLongLong();
-        });
+        ZTObservation observer(ZTDocumentNotification::savedLibrary, document.get(),
+                               [&](const ZTNotification &n) {
+                                   ++saved;
+                                   node = n.userInfo.value(QStringLiteral("nodeID")).toLongLong();
+                               });
         ZTItem *item = document->addItemFromDictionary({});
-        QCOMPARE(document->oidChangeDictionary().value(QStringLiteral("oidsInserted")).toStringList(), QStringList{item->oid()});
+        QCOMPARE(document->oidChangeDictionary().value(QStringLiteral("oidsInserted")).toStringList(),
+                 QStringList{item->oid()});
         document->updateChangeCount(ZTDocument::ChangeType::Done);
         QVERIFY(document->isDocumentEdited());
         QVERIFY(document->saveDocument());
         QVERIFY(!document->isDocumentEdited());
         QCOMPARE(saved, 1);
         QCOMPARE(node, document->nodeID());
-        QVERIFY(document->oidChangeDictionary().value(QStringLiteral("oidsInserted")).toStringList().isEmpty());
+        QVERIFY(
+            document->oidChangeDictionary().value(QStringLiteral("oidsInserted")).toStringList().isEmpty());
     }
 
     void removingItemsTakesThemFromListsAndStore()
@@ -249,5 +265,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDocument)
+ZT_TEST_MAIN(TestDocument)
 #include "tst_document.moc"

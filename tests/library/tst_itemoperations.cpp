@@ -4,6 +4,7 @@
 #include "model/ZTLendingContext.h"
 
 #include "ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -361,5 +362,5 @@ void TestItemOperations::findUnlistedCountsSmartLists()
     QCOMPARE(list->itemOids(), QStringList{c});
 }
 
-QTEST_GUILESS_MAIN(TestItemOperations)
+ZT_TEST_MAIN(TestItemOperations)
 #include "tst_itemoperations.moc"

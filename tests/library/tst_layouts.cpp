@@ -1,5 +1,6 @@
 #include "library/ZTLayout.h"
 #include "library/ZTWindowDisplay.h"
+#include "support/ZTTestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -51,7 +52,8 @@ private Q_SLOTS:
         QTest::newRow("empty") << QByteArray();
         QTest::newRow("garbage") << QByteArray("bplist00\xff\xff\xff", 11);
         QTest::newRow("xml of a map")
-            << QByteArray("<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>a</key><string>b</string></dict></plist>");
+            << QByteArray("<?xml version=\"1.0\"?><plist "
+                          "version=\"1.0\"><dict><key>a</key><string>b</string></dict></plist>");
     }
     void badFilesGiveNoLayouts()
     {
@@ -68,7 +70,9 @@ private Q_SLOTS:
     void entriesAreReadWithCare()
     {
         const QList<ZTLayout> layouts = ZTLayouts::layoutsFromArray(
-            {QVariantMap{{"name", "A"}, {"rowHeight", 2000}, {"fontSize", "big"},
+            {QVariantMap{{"name", "A"},
+                         {"rowHeight", 2000},
+                         {"fontSize", "big"},
                          {"columns", QVariantList{QVariantMap{{"identifier", "title"}, {"width", -5}},
                                                   QVariantMap{{"width", 50}}}}},
              QStringLiteral("not a layout")});
@@ -116,5 +120,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLayouts)
+ZT_TEST_MAIN(TestLayouts)
 #include "tst_layouts.moc"

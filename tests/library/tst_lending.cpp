@@ -3,6 +3,7 @@
 #include "model/ZTLendingContext.h"
 
 #include "ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QFile>
 #include <QtTest>
@@ -209,5 +210,5 @@ void TestLending::contactsFromAFolder()
         ZTContacts::fromPath(dir.filePath(QStringLiteral("missing.vcf"))).peopleFromAddressBook().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestLending)
+ZT_TEST_MAIN(TestLending)
 #include "tst_lending.moc"

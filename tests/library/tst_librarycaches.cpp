@@ -1,12 +1,14 @@
 #include "library/ZTAttributeTables.h"
 #include "library/ZTLibraryCaches.h"
 #include "library/ZTViewPipeline.h"
+#include "library/lists/ZTListFilter.h"
 
 #include "ZTLibraryFixture.h"
 
 #include "lists/ZTList.h"
 #include "lists/ZTListTally.h"
 #include "model/ZTSharedRows.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -148,8 +150,8 @@ void TestLibraryCaches::personNameJoinsContactsAndBorrowers()
     QCOMPARE(caches.value(ZTCacheKey::personName).toStringList(), (QStringList{"Ann Lee", "bo Day"}));
     QCOMPARE(caches.value(ZTCacheKey::allLanguages).toStringList(), (QStringList{"French", "German"}));
     // The address book's names join the borrowers, each once.
-    const QVariantMap filter = f.document().mainList()->filterDictionaryFromDocument(
-        f.document(), {QStringLiteral("Cy Twombly"), QStringLiteral("Ann Lee")});
+    const QVariantMap filter = ZTListFilter::filterDictionaryFromDocument(
+        *f.document().mainList(), f.document(), {QStringLiteral("Cy Twombly"), QStringLiteral("Ann Lee")});
     QCOMPARE(filter.value(ZTCacheKey::personName).toStringList(),
              (QStringList{"Ann Lee", "bo Day", "Cy Twombly"}));
 }
@@ -221,7 +223,8 @@ void TestLibraryCaches::listCountsAgreeWithEachItemsValues()
                 context->removeOidObject(QLatin1String(roles.roleEntity), row->oid());
         }
 
-    const ZTListTally tally = f.document().mainList()->tallyFromDocument(f.document(), {}, true);
+    const ZTListTally tally =
+        ZTListFilter::tallyFromDocument(*f.document().mainList(), f.document(), {}, true);
     const QStringList keys = f.document().attributeTables().cacheableAttributesDictionary().array;
     QVERIFY(keys.contains(QStringLiteral("keywords")));
     for (const QString &key : keys) {
@@ -259,5 +262,5 @@ void TestLibraryCaches::listCountsAgreeWithEachItemsValues()
     QCOMPARE(keywords->blankCount, 5);
 }
 
-QTEST_GUILESS_MAIN(TestLibraryCaches)
+ZT_TEST_MAIN(TestLibraryCaches)
 #include "tst_librarycaches.moc"

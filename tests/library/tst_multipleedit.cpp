@@ -1,9 +1,10 @@
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTMultipleEdit.h"
 #include "library/ZTViewPipeline.h"
 #include "store/ZTImage.h"
 
 #include "ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -298,5 +299,5 @@ void TestMultipleEdit::clearingTheCoverDeletesTheRow()
     QVERIFY(f.document().managedObjectContext()->fetch(QStringLiteral("ZTImage")).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestMultipleEdit)
+ZT_TEST_MAIN(TestMultipleEdit)
 #include "tst_multipleedit.moc"

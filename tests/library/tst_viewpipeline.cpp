@@ -7,6 +7,7 @@
 #include "library/ZTViewPipeline.h"
 
 #include "ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -712,5 +713,5 @@ void TestViewPipeline::nextAndPreviousFollowTheView()
     QCOMPARE(p.nextOid(QStringLiteral("absent")), QString());
 }
 
-QTEST_GUILESS_MAIN(TestViewPipeline)
+ZT_TEST_MAIN(TestViewPipeline)
 #include "tst_viewpipeline.moc"

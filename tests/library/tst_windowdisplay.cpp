@@ -1,5 +1,6 @@
 #include "library/ZTWindowDisplay.h"
 #include "store/ZTPropertyList.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -76,5 +77,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestWindowDisplay)
+ZT_TEST_MAIN(TestWindowDisplay)
 #include "tst_windowdisplay.moc"

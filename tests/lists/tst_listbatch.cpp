@@ -1,9 +1,10 @@
 // A batch of additions to a list: one encoding of its oids and one
 // "ZTListUpdated" when the outermost batch ends, none in between.
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "lists/ZTList.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QTemporaryDir>
@@ -23,9 +24,7 @@ private Q_SLOTS:
         int posts = 0;
         ZTObservation observation(ZTListNotification::updated, list,
                                   [&](const ZTNotification &) { ++posts; });
-        auto stored = [&] {
-            return ZTPropertyList::stringArray(list->itemData());
-        };
+        auto stored = [&] { return ZTPropertyList::stringArray(list->itemData()); };
 
         list->beginUpdates();
         list->addItem("a");
@@ -52,5 +51,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestListBatch)
+ZT_TEST_MAIN(TestListBatch)
 #include "tst_listbatch.moc"

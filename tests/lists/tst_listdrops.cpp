@@ -1,10 +1,11 @@
 // What may be dropped on a library's tables, and what each drop does.
 #include "ListsTestLibrary.h"
 
+#include "library/lists/ZTListDrop.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTList.h"
-#include "lists/ZTListDrop.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
+#include "support/ZTTestMain.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -442,5 +443,5 @@ void TestListDrops::urlsGoToTheLookup()
     QCOMPARE(looked, QStringList({"https://example.org/good", "https://example.org/bad"}));
 }
 
-QTEST_MAIN(TestListDrops)
+ZT_TEST_GUI_MAIN(TestListDrops)
 #include "tst_listdrops.moc"

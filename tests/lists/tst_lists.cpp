@@ -1,11 +1,13 @@
 // Ordinary lists: adding, renaming, removing, ordering, and the filter dictionary.
 #include "ListsTestLibrary.h"
+#include "library/lists/ZTListFilter.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTList.h"
 #include "lists/ZTListCompare.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -225,7 +227,8 @@ void TestLists::valuesSortWithoutRegardToCase()
 void TestLists::filterDictionaryOfEmptyList()
 {
     ListsTestLibrary library;
-    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(*library.document);
+    const QVariantMap result =
+        ZTListFilter::filterDictionaryFromDocument(*library.document->mainList(), *library.document);
     const ZTCacheableAttributes &keys = library.document->attributeTables().cacheableAttributesDictionary();
     for (const QString &key : keys.boolean) {
         QCOMPARE(result.value(key).toStringList(), QStringList({"Yes", "No"}));
@@ -258,7 +261,8 @@ void TestLists::filterDictionaryCounts()
     ZTItem *c = library.add({{"title", "c"}, {"genre", "Fantasy"}, {"copies", 10}});
     // Oids without an item are left out.
     library.document->mainList()->addItem("no-such-item");
-    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(*library.document);
+    const QVariantMap result =
+        ZTListFilter::filterDictionaryFromDocument(*library.document->mainList(), *library.document);
 
     QCOMPARE(result.value("keywords").toStringList(), QStringList({"Dragons", "elves", "fantasy"}));
     QCOMPARE(countsOf(result, "keywords").value("fantasy").toString(), QStringLiteral("1"));
@@ -291,8 +295,8 @@ void TestLists::filterDictionaryCompletionLists()
     ZTItem *lent = library.add({{"title", "lent"}, {"language", "German"}, {"originalLanguage", "english"}});
     lent->setLentToName("Zoe Adams");
     library.add({{"title", "other"}, {"language", "English"}});
-    const QVariantMap result = library.document->mainList()->filterDictionaryFromDocument(
-        *library.document, {"bob brown", "Alice Archer", "Zoe Adams"});
+    const QVariantMap result = ZTListFilter::filterDictionaryFromDocument(
+        *library.document->mainList(), *library.document, {"bob brown", "Alice Archer", "Zoe Adams"});
     QCOMPARE(result.value(Key::personName).toStringList(),
              QStringList({"Alice Archer", "bob brown", "Zoe Adams"}));
     QCOMPARE(result.value(Key::allLanguages).toStringList(), QStringList({"English", "english", "German"}));
@@ -305,12 +309,12 @@ void TestLists::filterDictionaryOfAList()
     library.add({{"title", "b"}, {"genre", "Poetry"}});
     ZTList *list = library.document->addList();
     list->setItemOids({a->oid()});
-    const QVariantMap result = list->filterDictionaryFromDocument(*library.document);
+    const QVariantMap result = ZTListFilter::filterDictionaryFromDocument(*list, *library.document);
     QCOMPARE(result.value("genre").toStringList(), QStringList{"Crime"});
     QCOMPARE(countsOf(result, "isSigned"), QVariantMap({{"Yes", "0"}, {"No", "1"}}));
 }
 
-QTEST_GUILESS_MAIN(TestLists)
+ZT_TEST_MAIN(TestLists)
 #include "tst_lists.moc"
 
 // A list long enough to be counted in two halves: the joined tally must be the
@@ -360,7 +364,7 @@ void TestLists::filterDictionaryOfALargeList()
         }
 
         const QVariantMap result =
-            library.document->mainList()->filterDictionaryFromDocument(*library.document);
+            ZTListFilter::filterDictionaryFromDocument(*library.document->mainList(), *library.document);
         auto check = [&](const QString &key, const QMap<QString, QStringList> &expected) {
             const QVariantMap oids = oidsOf(result, key);
             const QVariantMap counts = countsOf(result, key);
@@ -379,8 +383,8 @@ void TestLists::filterDictionaryOfALargeList()
         QCOMPARE(result.value("publisher").toStringList(), QStringList({"Early Press", "Late Press"}));
         QCOMPARE(result.value(Key::personName).toStringList(), QStringList({"Ann Early", "Zed Late"}));
         // Without the oid table (as the caches ask) the values and counts are the same.
-        const QVariantMap countsOnly =
-            library.document->mainList()->filterDictionaryFromDocument(*library.document, {}, false);
+        const QVariantMap countsOnly = ZTListFilter::filterDictionaryFromDocument(
+            *library.document->mainList(), *library.document, {}, false);
         QVERIFY(!countsOnly.contains(Key::oids));
         QCOMPARE(countsOnly.value(Key::counts), result.value(Key::counts));
         for (const char *key : {"genre", "keywords", "isSigned", "publisher"})

@@ -1,4 +1,5 @@
 // The list commands of zettary-cli, run as a person would run them on a real library.
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QDir>
@@ -193,5 +194,5 @@ void TestListsCli::badArgumentsLeaveTheLibraryAlone()
     QCOMPARE(after.readAll(), bytes);
 }
 
-QTEST_GUILESS_MAIN(TestListsCli)
+ZT_TEST_MAIN(TestListsCli)
 #include "tst_listscli.moc"

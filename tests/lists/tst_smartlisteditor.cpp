@@ -1,9 +1,10 @@
 // The smart-list editor's rows and its save, without the sheet.
 #include "ListsTestLibrary.h"
 
-#include "lists/ZTQualifierText.h"
+#include "library/lists/ZTQualifierText.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -314,5 +315,5 @@ void TestSmartListEditor::cancelChangesNothing()
     QCOMPARE(list->qualifiers(), before);
 }
 
-QTEST_GUILESS_MAIN(TestSmartListEditor)
+ZT_TEST_MAIN(TestSmartListEditor)
 #include "tst_smartlisteditor.moc"

@@ -2,6 +2,7 @@
 #include "ListsTestLibrary.h"
 
 #include "lists/ZTSmartList.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -490,5 +491,5 @@ void TestSmartListRules::combiningQualifiers()
     QCOMPARE(list->itemBelongsOnList(*item), anyOf);
 }
 
-QTEST_GUILESS_MAIN(TestSmartListRules)
+ZT_TEST_MAIN(TestSmartListRules)
 #include "tst_smartlistrules.moc"

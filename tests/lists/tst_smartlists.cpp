@@ -1,11 +1,13 @@
 // Smart lists in a library: rebuilding, following edits, expiry, storage and description.
 #include "ListsTestLibrary.h"
+#include "library/lists/ZTListDescriptor.h"
 
-#include "app/ZTNotificationCenter.h"
-#include "lists/ZTQualifierText.h"
+#include "base/ZTNotificationCenter.h"
+#include "library/lists/ZTQualifierText.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
 #include "model/ZTDateUtil.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -313,7 +315,7 @@ void TestSmartLists::descriptor()
     ZTSmartList *list =
         ZTSmartList::createInManagedObjectContext(library.document->managedObjectContext(), 0);
     list->setQualifiers({qualifier});
-    QCOMPARE(list->descriptorForDocument(*library.document), "0 books\n" + phrase);
+    QCOMPARE(ZTListDescriptor::descriptorForDocument(*list, *library.document), "0 books\n" + phrase);
 }
 
 void TestSmartLists::descriptorJoinsWithAndOr()
@@ -323,14 +325,14 @@ void TestSmartLists::descriptorJoinsWithAndOr()
     ZTSmartList *list = ZTSmartListController::saveSmartList(
         *library.document, nullptr,
         {titleContains("Blue"), rule("Signed", "signedFlag", "boolean", "is not set")}, 0, "x");
-    QCOMPARE(list->descriptorForDocument(*library.document),
+    QCOMPARE(ZTListDescriptor::descriptorForDocument(*list, *library.document),
              QStringLiteral("1 album\nTitle contains \"Blue\" and Signed is not set"));
     list->setAndOrFlag(1);
-    QCOMPARE(list->descriptorForDocument(*library.document),
+    QCOMPARE(ZTListDescriptor::descriptorForDocument(*list, *library.document),
              QStringLiteral("1 album\nTitle contains \"Blue\" or Signed is not set"));
     ZTList *plain = library.document->addList();
-    QCOMPARE(plain->descriptorForDocument(*library.document), QStringLiteral("0 albums"));
+    QCOMPARE(ZTListDescriptor::descriptorForDocument(*plain, *library.document), QStringLiteral("0 albums"));
 }
 
-QTEST_GUILESS_MAIN(TestSmartLists)
+ZT_TEST_MAIN(TestSmartLists)
 #include "tst_smartlists.moc"

@@ -2,8 +2,9 @@
 #include "lookup/ZTFetcherBooksAmazon.h"
 #include "lookup/ZTFetcherMoviesAmazon.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "support/ZTFakeWeb.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QBuffer>
@@ -450,5 +451,5 @@ void TestAmazon::truncatedPagesNeverCrash()
     QCOMPARE(reader.dictionaryForString(cells, "US").value("label").toString(), QString("x"));
 }
 
-QTEST_GUILESS_MAIN(TestAmazon)
+ZT_TEST_MAIN(TestAmazon)
 #include "tst_amazon.moc"

@@ -1,10 +1,11 @@
 #include "lookup/ZTFetcher.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "lookup/ZTFetchManager.h"
 #include "lookup/ZTSiteOverride.h"
 #include "support/ZTFakeWeb.h"
 #include "support/ZTTestHttpServer.h"
+#include "support/ZTTestMain.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
@@ -610,5 +611,5 @@ void TestFetcher::realNetworkThroughTheSiteOverride()
     ZTFakeWeb::instance().install();
 }
 
-QTEST_GUILESS_MAIN(TestFetcher)
+ZT_TEST_MAIN(TestFetcher)
 #include "tst_fetcher.moc"

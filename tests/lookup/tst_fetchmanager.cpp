@@ -1,8 +1,9 @@
 #include "lookup/ZTFetchManager.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "lookup/ZTFetcher.h"
 #include "lookup/ZTLookupRun.h"
+#include "support/ZTTestMain.h"
 
 #include <QTest>
 #include <QTimer>
@@ -225,5 +226,5 @@ void TestFetchManager::anEmptySiteListFinishesAtOnce()
     QVERIFY(items[0].isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestFetchManager)
+ZT_TEST_MAIN(TestFetchManager)
 #include "tst_fetchmanager.moc"

@@ -1,5 +1,6 @@
 #include "lookup/ZTPageGetter.h"
 #include "lookup/ZTSiteOverride.h"
+#include "support/ZTTestMain.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -29,8 +30,10 @@ private Q_SLOTS:
                 socket->disconnectFromHost();
             });
         });
-        ZTSiteOverride::setOverrides(QStringLiteral("www.submarino.com.br=http://127.0.0.1:%1").arg(server.serverPort()));
-        const QByteArray page = ZTPageGetter::fetch(QUrl(QStringLiteral("http://www.submarino.com.br/produto/123")));
+        ZTSiteOverride::setOverrides(
+            QStringLiteral("www.submarino.com.br=http://127.0.0.1:%1").arg(server.serverPort()));
+        const QByteArray page =
+            ZTPageGetter::fetch(QUrl(QStringLiteral("http://www.submarino.com.br/produto/123")));
         QCOMPARE(page, QByteArray("<b>ISBN:</b> 8535902775"));
         QVERIFY(request.startsWith("GET /produto/123 "));
         QVERIFY(request.toLower().contains("user-agent:"));
@@ -41,5 +44,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPageGetter)
+ZT_TEST_MAIN(TestPageGetter)
 #include "tst_pagegetter.moc"

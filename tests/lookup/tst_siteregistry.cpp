@@ -1,7 +1,8 @@
 #include "lookup/sites/ZTSiteRegistry.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "lookup/ZTFetcher.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QTest>
@@ -140,5 +141,5 @@ void TestSiteRegistry::attributeArrayHidesVariantsAndSorts()
     QVERIFY(ZTSiteRegistry::fetcherAttributeArray(ZTMediaKind::Comic).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestSiteRegistry)
+ZT_TEST_MAIN(TestSiteRegistry)
 #include "tst_siteregistry.moc"

@@ -1,4 +1,5 @@
 #include "model/ZTDateFormatter.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -228,5 +229,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDateFormatter)
+ZT_TEST_MAIN(TestDateFormatter)
 #include "tst_dateformatter.moc"

@@ -1,3 +1,4 @@
+#include "library/ZTDisplayDictionary.h"
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"
 #include "model/ZTAlbum.h"
@@ -8,6 +9,7 @@
 #include "store/ZTImage.h"
 #include "store/ZTManagedObjectContext.h"
 #include "support/ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QDir>
@@ -506,22 +508,23 @@ private Q_SLOTS:
                                   {QStringLiteral("Date Read"), QDate(2020, 1, 2)},
                                   {QStringLiteral("Authors"), QStringList{QStringLiteral("Frank Herbert")}},
                                   {QStringLiteral("Directors"), QStringList{QStringLiteral("David Lynch")}}};
-        const QVariantMap book =
-            ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Book, display, QStringLiteral("EUR"));
+        const QVariantMap book = ZTDisplayDictionary::dictionaryFromDisplayDictionary(
+            ZTMediaKind::Book, display, QStringLiteral("EUR"));
         QCOMPARE(book.value(QStringLiteral("title")).toString(), QStringLiteral("Dune"));
         QVERIFY(book.contains(QStringLiteral("dateUsed")));
         QVERIFY(book.contains(QStringLiteral("authors")));
         QVERIFY(!book.contains(QStringLiteral("directors")));
         QCOMPARE(book.value(QStringLiteral("priceLocale")).toString(), QStringLiteral("EUR"));
         QCOMPARE(book.value(QStringLiteral("lockedFlag")).toInt(), 0);
-        const QVariantMap movie =
-            ZTItem::dictionaryFromDisplayDictionary(ZTMediaKind::Movie, display, QStringLiteral("USD"));
+        const QVariantMap movie = ZTDisplayDictionary::dictionaryFromDisplayDictionary(
+            ZTMediaKind::Movie, display, QStringLiteral("USD"));
         QVERIFY(movie.contains(QStringLiteral("directors")));
         QVERIFY(!movie.contains(QStringLiteral("dateUsed"))); // a movie's is "Date Viewed"
         ZTLibraryFixture fixture;
         auto document = fixture.open();
         ZTBook *item = newBook(*document);
-        item->handleDisplayDictionary(display, QStringLiteral("GBP"));
+        item->handleDictionary(ZTDisplayDictionary::dictionaryFromDisplayDictionary(
+            ZTMediaKind::Book, display, QStringLiteral("GBP")));
         QCOMPARE(item->authors(), QStringList{QStringLiteral("Frank Herbert")});
         QVERIFY(item->isUsed());
         QCOMPARE(item->priceLocale(), QStringLiteral("GBP"));
@@ -551,5 +554,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestItem)
+ZT_TEST_MAIN(TestItem)
 #include "tst_item.moc"

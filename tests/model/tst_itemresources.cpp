@@ -1,4 +1,5 @@
 #include "model/ZTItemResources.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -135,5 +136,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestItemResources)
+ZT_TEST_MAIN(TestItemResources)
 #include "tst_itemresources.moc"

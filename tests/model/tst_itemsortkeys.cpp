@@ -1,6 +1,7 @@
 #include "model/ZTItemSortKeys.h"
 
 #include "TextCompare.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -223,5 +224,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestItemSortKeys)
+ZT_TEST_MAIN(TestItemSortKeys)
 #include "tst_itemsortkeys.moc"

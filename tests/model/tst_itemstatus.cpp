@@ -1,4 +1,5 @@
 #include "model/ZTItemStatus.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -36,5 +37,5 @@ private Q_SLOTS:
     void invalidTodayIsNeverOverdue() { QVERIFY(!ZTItemStatus::isOverdue(QDate(2000, 1, 1), QDate())); }
 };
 
-QTEST_GUILESS_MAIN(TestItemStatus)
+ZT_TEST_MAIN(TestItemStatus)
 #include "tst_itemstatus.moc"

@@ -1,6 +1,7 @@
 #include "model/ZTItemText.h"
 
 #include "TextCompare.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -239,5 +240,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestItemText)
+ZT_TEST_MAIN(TestItemText)
 #include "tst_itemtext.moc"

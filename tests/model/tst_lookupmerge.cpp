@@ -1,4 +1,5 @@
 #include "model/ZTLookupMerge.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -181,5 +182,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestLookupMerge)
+ZT_TEST_MAIN(TestLookupMerge)
 #include "tst_lookupmerge.moc"

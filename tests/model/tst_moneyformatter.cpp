@@ -1,4 +1,5 @@
 #include "model/ZTMoneyFormatter.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -124,5 +125,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestMoneyFormatter)
+ZT_TEST_MAIN(TestMoneyFormatter)
 #include "tst_moneyformatter.moc"

@@ -3,6 +3,7 @@
 #include "model/ZTDateFormatter.h"
 #include "model/ZTDateUtil.h"
 #include "model/ZTPatternDateFormatter.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -365,5 +366,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestPartialDates)
+ZT_TEST_MAIN(TestPartialDates)
 #include "tst_partialdates.moc"

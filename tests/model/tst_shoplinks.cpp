@@ -1,4 +1,5 @@
 #include "model/ZTShopLinks.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -142,5 +143,5 @@ private Q_SLOTS:
     void emptyResultHasNoUrl() { QVERIFY(ZTShopLinks::urlWithAssociateTag({}).isNull()); }
 };
 
-QTEST_GUILESS_MAIN(TestShopLinks)
+ZT_TEST_MAIN(TestShopLinks)
 #include "tst_shoplinks.moc"

@@ -1,6 +1,7 @@
 #include "platform/ZTAvahiPublisher.h"
 
 #include "sharing/http/HTTPServer.h"
+#include "support/ZTTestMain.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -165,7 +166,7 @@ void TestAvahiPublisher::publishesAndBrowsesInPrivateNetwork()
         "dbus-daemon --system --fork --nopidfile && "
         "avahi-daemon -f \"$1\" --no-drop-root --no-chroot --no-rlimits -D; } || exit 77; "
         "for i in $(seq 50); do avahi-daemon -c 2>/dev/null && break; sleep 0.1; done; "
-        "exec \"$2\"");
+        "exec \"$2\" TestAvahiPublisher");
     QProcess inner;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QString::fromLatin1(s_innerVariable), QStringLiteral("1"));
@@ -184,13 +185,13 @@ void TestAvahiPublisher::publishesAndBrowsesInPrivateNetwork()
              qPrintable(output));
 }
 
-int main(int argc, char **argv)
+int runAvahiPublisher(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
     if (qEnvironmentVariableIsSet(s_innerVariable))
         return innerCheck();
     TestAvahiPublisher test;
     return QTest::qExec(&test, argc, argv);
 }
+ZT_TEST_CUSTOM_MAIN(TestAvahiPublisher, Core, runAvahiPublisher)
 
 #include "tst_avahipublisher.moc"

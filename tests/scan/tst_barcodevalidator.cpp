@@ -7,6 +7,7 @@
 
 #include "scan/ZTScanEdgeFixtures.h"
 #include "support/ZTBarcodeRenderer.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -420,5 +421,5 @@ void TestBarcodeValidator::accumulatorPicksMajority()
     QCOMPARE(votes.highestCount(), qint64(7));
 }
 
-QTEST_GUILESS_MAIN(TestBarcodeValidator)
+ZT_TEST_MAIN(TestBarcodeValidator)
 #include "tst_barcodevalidator.moc"

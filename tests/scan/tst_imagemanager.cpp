@@ -7,6 +7,7 @@
 
 #include "support/ZTBarcodeRenderer.h"
 #include "support/ZTImageDegradations.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -476,5 +477,5 @@ void TestImageManager::shortRowsGiveNoCandidate()
     QCOMPARE(votes.frameCounter, qint64(1));
 }
 
-QTEST_MAIN(TestImageManager)
+ZT_TEST_GUI_MAIN(TestImageManager)
 #include "tst_imagemanager.moc"

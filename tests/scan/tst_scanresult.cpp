@@ -1,6 +1,7 @@
 #include "scan/ZTBarcodeValidator.h"
 #include "scan/ZTScanEdgeFixtures.h"
 #include "scan/ZTScanResult.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -213,5 +214,5 @@ void TestScanResult::resultsSurviveTheirPass()
     QCOMPARE(result.startingEdge().p2(), segment.p2());
 }
 
-QTEST_GUILESS_MAIN(TestScanResult)
+ZT_TEST_MAIN(TestScanResult)
 #include "tst_scanresult.moc"

@@ -3,6 +3,7 @@
 
 #include "support/ZTBarcodeRenderer.h"
 #include "support/ZTImageDegradations.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QJsonArray>
@@ -334,5 +335,5 @@ void TestStillImageScanner::cliRefusesUnreadableFiles()
     QVERIFY(run.out.isEmpty());
 }
 
-QTEST_MAIN(TestStillImageScanner)
+ZT_TEST_GUI_MAIN(TestStillImageScanner)
 #include "tst_stillimagescanner.moc"

@@ -1,6 +1,7 @@
 #include "library/ZTLibraryFixture.h"
 #include "sharing/ZTZipReader.h"
 #include "store/ZTPropertyList.h"
+#include "support/ZTTestMain.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -164,5 +165,5 @@ void TestCliShare::shareServesUntilTerminated()
     QVERIFY(!socket.waitForConnected(2000));
 }
 
-QTEST_GUILESS_MAIN(TestCliShare)
+ZT_TEST_MAIN(TestCliShare)
 #include "tst_clishare.moc"

@@ -1,4 +1,5 @@
 #include "sharing/http/HTTPFileResponse.h"
+#include "support/ZTTestMain.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -81,5 +82,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHTTPFileResponse)
+ZT_TEST_MAIN(TestHTTPFileResponse)
 #include "tst_httpfileresponse.moc"

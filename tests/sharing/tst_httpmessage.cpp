@@ -1,5 +1,6 @@
 #include "sharing/http/HTTPByteRanges.h"
 #include "sharing/http/HTTPMessage.h"
+#include "support/ZTTestMain.h"
 
 #include <QtTest>
 
@@ -198,5 +199,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHTTPMessage)
+ZT_TEST_MAIN(TestHTTPMessage)
 #include "tst_httpmessage.moc"

@@ -1,9 +1,10 @@
 #include "sharing/http/HTTPServer.h"
 
-#include "app/ZTLog.h"
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTLog.h"
+#include "base/ZTNotificationCenter.h"
 #include "sharing/http/HTTPConnection.h"
 #include "sharing/http/HTTPServicePublisher.h"
+#include "support/ZTTestMain.h"
 
 #include <QProcess>
 #include <QRandomGenerator>
@@ -862,5 +863,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestHTTPServer)
+ZT_TEST_MAIN(TestHTTPServer)
 #include "tst_httpserver.moc"

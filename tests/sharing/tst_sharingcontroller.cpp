@@ -1,6 +1,6 @@
 #include "sharing/ZTSharingController.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTLibraryFixture.h"
 #include "sharing/ZTSharingExportController.h"
 #include "sharing/ZTWebServer.h"
@@ -8,6 +8,7 @@
 #include "sharing/http/HTTPServicePublisher.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTHttpRequest.h"
+#include "support/ZTTestMain.h"
 
 #include <QProcess>
 #include <QTcpSocket>
@@ -278,5 +279,5 @@ void TestSharingController::itemCountFromDatabaseFile()
     QCOMPARE(ZTSharingController::itemCountFromDatabaseFile(junk.fileName()), quint64(0));
 }
 
-QTEST_GUILESS_MAIN(TestSharingController)
+ZT_TEST_MAIN(TestSharingController)
 #include "tst_sharingcontroller.moc"

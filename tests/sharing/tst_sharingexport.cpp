@@ -1,11 +1,12 @@
 #include "sharing/ZTSharingExportController.h"
 
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTNotificationCenter.h"
 #include "library/ZTLibraryFixture.h"
 #include "sharing/ZTSharingLayout.h"
 #include "sharing/ZTZipReader.h"
 #include "store/ZTImage.h"
 #include "store/ZTPropertyList.h"
+#include "support/ZTTestMain.h"
 
 #include <QBuffer>
 #include <QImage>
@@ -368,5 +369,5 @@ void TestSharingExport::layoutTablesPerKind()
     QVERIFY(wide.contains(QStringLiteral("productDescription")));
 }
 
-QTEST_GUILESS_MAIN(TestSharingExport)
+ZT_TEST_MAIN(TestSharingExport)
 #include "tst_sharingexport.moc"

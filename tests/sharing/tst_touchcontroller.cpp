@@ -2,6 +2,7 @@
 
 #include "sharing/ZTWebServer.h"
 #include "sharing/http/HTTPServicePublisher.h"
+#include "support/ZTTestMain.h"
 
 #include <QMutex>
 #include <QRegularExpression>
@@ -118,5 +119,5 @@ void TestTouchController::scanRequestPostsTheCode()
     QVERIFY(!socket.waitForConnected(2000));
 }
 
-QTEST_GUILESS_MAIN(TestTouchController)
+ZT_TEST_MAIN(TestTouchController)
 #include "tst_touchcontroller.moc"

@@ -6,6 +6,7 @@
 #include "model/ZTItem.h"
 #include "store/ZTManagedObjectContext.h"
 #include "support/ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QProcess>
@@ -26,15 +27,18 @@ int runChild(const QString &path)
     for (int round = 0;; ++round) {
         ZTItem *item = document->addItemFromDictionary(
             {{QStringLiteral("title"), QStringLiteral("Round %1").arg(round)},
-             {QStringLiteral("keywords"), QStringList{QStringLiteral("k%1").arg(round % 7), QStringLiteral("all")}},
+             {QStringLiteral("keywords"),
+              QStringList{QStringLiteral("k%1").arg(round % 7), QStringLiteral("all")}},
              {QStringLiteral("authors"), QStringList{QStringLiteral("Author %1").arg(round % 5)}}});
         if (round % 3 == 0)
-            item->replaceCover({}, zt_pngBytes(8, 8, 0x101010u * unsigned(round % 15)), {}, QStringLiteral("PNG"), true);
+            item->replaceCover({}, zt_pngBytes(8, 8, 0x101010u * unsigned(round % 15)), {},
+                               QStringLiteral("PNG"), true);
         const QStringList oids = document->mainList()->itemOids();
         if (oids.size() > 5) {
             // Change an older item and sometimes remove one, so saves also update and delete.
-            document->itemForOid(oids.last())->takeAttributesFromDictionary(
-                {{QStringLiteral("notes"), QStringLiteral("changed in round %1").arg(round)}});
+            document->itemForOid(oids.last())
+                ->takeAttributesFromDictionary(
+                    {{QStringLiteral("notes"), QStringLiteral("changed in round %1").arg(round)}});
             if (round % 4 == 0)
                 document->removeItemsFromLibrary({oids[oids.size() / 2]});
         }
@@ -61,9 +65,10 @@ private Q_SLOTS:
             QProcess child;
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
             env.insert(QLatin1String(s_childVariable), fixture.path());
-            env.insert(QStringLiteral("ZETTARY_SETTINGS_FILE"), settings.filePath(QStringLiteral("child.conf")));
+            env.insert(QStringLiteral("ZETTARY_SETTINGS_FILE"),
+                       settings.filePath(QStringLiteral("child.conf")));
             child.setProcessEnvironment(env);
-            child.start(QCoreApplication::applicationFilePath(), {});
+            child.start(QCoreApplication::applicationFilePath(), {QStringLiteral("TestCrashSafety")});
             QVERIFY(child.waitForStarted());
             // Let it save a few times, then kill it somewhere inside a save.
             QVERIFY(child.waitForReadyRead(20000));
@@ -92,14 +97,14 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
+int runCrashSafety(int argc, char **argv)
 {
     const QString childLibrary = qEnvironmentVariable(s_childVariable);
-    QCoreApplication app(argc, argv);
     if (!childLibrary.isEmpty())
         return runChild(childLibrary);
     TestCrashSafety test;
     return QTest::qExec(&test, argc, argv);
 }
+ZT_TEST_CUSTOM_MAIN(TestCrashSafety, Core, runCrashSafety)
 
 #include "tst_crashsafety.moc"

@@ -1,3 +1,4 @@
+#include "library/ZTLibraryModel.h"
 #include "lists/ZTList.h"
 #include "model/ZTItemResources.h"
 #include "store/ZTEntity.h"
@@ -6,6 +7,7 @@
 #include "store/ZTOid.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QDir>
@@ -47,7 +49,7 @@ class TestObjectStore : public QObject {
 private:
     std::unique_ptr<ZTManagedObjectContext> openContext(const ZTLibraryFixture &fixture)
     {
-        auto context = std::make_unique<ZTManagedObjectContext>(ZTObjectModel::shared());
+        auto context = std::make_unique<ZTManagedObjectContext>(ZTLibraryModel::objectModel());
         QString error;
         if (!context->open(fixture.path(), &error))
             qWarning() << error;
@@ -358,7 +360,7 @@ private Q_SLOTS:
         QVERIFY(data.open(QIODevice::WriteOnly | QIODevice::Truncate));
         data.write("this is not a database at all, just text\n");
         data.close();
-        ZTManagedObjectContext context(ZTObjectModel::shared());
+        ZTManagedObjectContext context(ZTLibraryModel::objectModel());
         QString error;
         QVERIFY(!context.open(fixture.path(), &error));
         QVERIFY2(error.contains(QStringLiteral("data.sql")), qPrintable(error));
@@ -484,9 +486,8 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
+int runObjectStore(int argc, char **argv)
 {
-    QCoreApplication app(argc, argv);
     QTemporaryDir settings;
     ZTTestSupport::useTemporarySettings(settings);
     int status = 0;
@@ -500,5 +501,6 @@ int main(int argc, char **argv)
     }
     return status;
 }
+ZT_TEST_CUSTOM_MAIN(TestObjectStore, Core, runObjectStore)
 
 #include "tst_objectstore.moc"

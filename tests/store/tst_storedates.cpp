@@ -3,6 +3,7 @@
 #include "library/ZTDocument.h"
 #include "model/ZTItem.h"
 #include "support/ZTTestLibrary.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 
 #include <QTemporaryDir>
@@ -46,5 +47,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestStoreDates)
+ZT_TEST_MAIN(TestStoreDates)
 #include "tst_storedates.moc"

@@ -1,6 +1,6 @@
 #include "support/ZTTestSupport.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 
 void ZTTestSupport::useTemporarySettings(const QTemporaryDir &dir)
 {
@@ -12,4 +12,7 @@ QString ZTTestSupport::fixturePath(const QString &relative)
     return QStringLiteral(ZT_FIXTURES_DIR) + QLatin1Char('/') + relative;
 }
 
-QString ZTTestSupport::cliPath() { return QStringLiteral(ZT_CLI_PATH); }
+QString ZTTestSupport::cliPath()
+{
+    return QStringLiteral(ZT_CLI_PATH);
+}

@@ -1,4 +1,4 @@
-#include "app/ZTLog.h"
+#include "base/ZTLog.h"
 #include "export/ZTExportConfigurationController.h"
 #include "export/ZTExportController.h"
 #include "export/ZTListPickerController.h"
@@ -13,6 +13,7 @@
 #include "ui/sheets/ZTListPickerView.h"
 
 #include "ZTSheetFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -604,5 +605,5 @@ void TestImportExportSheets::windowMenusOpenTheSheetsAndShowTheirResults()
     again->reject();
 }
 
-QTEST_MAIN(TestImportExportSheets)
+ZT_TEST_GUI_MAIN(TestImportExportSheets)
 #include "tst_importexportsheets.moc"

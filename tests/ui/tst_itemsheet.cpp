@@ -1,4 +1,4 @@
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTContacts.h"
 #include "library/ZTItemController.h"
 #include "model/ZTDateUtil.h"
@@ -7,6 +7,7 @@
 #include "ui/sheets/ZTSheetWidgets.h"
 
 #include "ZTSheetFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -444,5 +445,5 @@ void TestItemSheet::tabWalksTheFieldsInOrder()
     QCOMPARE(authors->cellRows(), QList<QStringList>{(QStringList{text("Zola"), QString()})});
 }
 
-QTEST_MAIN(TestItemSheet)
+ZT_TEST_GUI_MAIN(TestItemSheet)
 #include "tst_itemsheet.moc"

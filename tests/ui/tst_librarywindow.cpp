@@ -1,5 +1,5 @@
 #include "app/ZTAppController.h"
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "library/ZTViewPipeline.h"
 #include "lists/ZTList.h"
@@ -15,13 +15,14 @@
 #include "ui/mainwindow/ZTMainMenu.h"
 #include "ui/mainwindow/ZTTableViews.h"
 
+#include "support/ZTTestMain.h"
+#include "ui/sheets/ZTItemSheet.h"
 #include <QAction>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
-#include "ui/sheets/ZTItemSheet.h"
 
 #include <QLineEdit>
 #include <QtTest>
@@ -432,5 +433,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestLibraryWindow)
+ZT_TEST_GUI_MAIN(TestLibraryWindow)
 #include "tst_librarywindow.moc"

@@ -5,6 +5,7 @@
 #include "ui/sheets/ZTSheetWidgets.h"
 
 #include "ZTSheetFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -264,5 +265,5 @@ void TestMultipleEditSheet::clearButtonWaitsForAChoice()
     QVERIFY(!f.document().isDocumentEdited());
 }
 
-QTEST_MAIN(TestMultipleEditSheet)
+ZT_TEST_GUI_MAIN(TestMultipleEditSheet)
 #include "tst_multipleeditsheet.moc"

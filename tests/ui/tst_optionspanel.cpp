@@ -1,6 +1,7 @@
 #include "library/ZTDocument.h"
 #include "library/ZTLayout.h"
 #include "library/ZTViewPipeline.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 #include "ui/app/ZTSampleLibrary.h"
 #include "ui/mainwindow/ZTItemTableModel.h"
@@ -199,5 +200,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestOptionsPanel)
+ZT_TEST_GUI_MAIN(TestOptionsPanel)
 #include "tst_optionspanel.moc"

@@ -1,9 +1,10 @@
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "sharing/ZTSharingController.h"
 #include "sharing/ZTWebServer.h"
 #include "store/ZTPropertyList.h"
 #include "support/ZTHttpRequest.h"
 #include "support/ZTLibraryFixture.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 #include "ui/app/ZTApplicationController.h"
 #include "ui/mainwindow/ZTLibraryWindow.h"
@@ -126,5 +127,5 @@ void TestPreferences::oneWindowFromTheMenu()
     first->close();
 }
 
-QTEST_MAIN(TestPreferences)
+ZT_TEST_GUI_MAIN(TestPreferences)
 #include "tst_preferences.moc"

@@ -1,5 +1,7 @@
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "model/ZTItem.h"
+#include "support/ZTTestMain.h"
 #include "support/ZTTestSupport.h"
 #include "ui/ZTUi.h"
 #include "ui/app/ZTNewLibraryDialog.h"
@@ -8,7 +10,6 @@
 #include "ui/mainwindow/ZTLibraryWindow.h"
 #include "ui/mainwindow/ZTOptionsPanel.h"
 #include "ui/prefs/ZTPreferencesWindow.h"
-#include "app/ZTSettings.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -158,8 +159,9 @@ private Q_SLOTS:
     {
         QStringList paths;
         for (ZTMediaKind kind : {ZTMediaKind::Book, ZTMediaKind::Album, ZTMediaKind::Comic}) {
-            const QString path = m_dir.filePath(QStringLiteral("Home %1.%2")
-                                                    .arg(ZTMediaKinds::itemType(kind), ZTMediaKinds::packageExtension(kind)));
+            const QString path =
+                m_dir.filePath(QStringLiteral("Home %1.%2")
+                                   .arg(ZTMediaKinds::itemType(kind), ZTMediaKinds::packageExtension(kind)));
             QVERIFY(ZTSampleLibrary::create(path, kind, 3));
             paths << path;
         }
@@ -178,12 +180,12 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
+int runScreenshots(int argc, char **argv)
 {
-    QApplication app(argc, argv);
-    ZTUi::setUpApplication(app);
+    ZTUi::setUpApplication(*qApp);
     TestScreenshots test;
     return QTest::qExec(&test, argc, argv);
 }
+ZT_TEST_CUSTOM_MAIN(TestScreenshots, Gui, runScreenshots)
 
 #include "tst_screenshots.moc"

@@ -2,8 +2,8 @@
 // ZT_SCREENSHOT_DIR/sheets/, filled with a sample item, so a person can look
 // at them. The checks are that each picture was written and is not blank.
 
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
 #include "ui/sheets/ZTClearAttributesSheet.h"
 #include "ui/sheets/ZTExportSheet.h"
 #include "ui/sheets/ZTImportConfigurationSheet.h"
@@ -13,6 +13,7 @@
 #include "ui/sheets/ZTSmartListSheet.h"
 
 #include "ZTSheetFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -187,5 +188,5 @@ void TestSheetScreenshots::everySheetOfEveryKind()
     shoot(exportSheet, prefix + QStringLiteral("-export"));
 }
 
-QTEST_MAIN(TestSheetScreenshots)
+ZT_TEST_GUI_MAIN(TestSheetScreenshots)
 #include "tst_sheetscreenshots.moc"

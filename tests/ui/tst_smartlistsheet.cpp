@@ -1,10 +1,11 @@
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
 #include "ui/sheets/ZTSheetWidgets.h"
 #include "ui/sheets/ZTSmartListRow.h"
 #include "ui/sheets/ZTSmartListSheet.h"
 
 #include "ZTSheetFixture.h"
+#include "support/ZTTestMain.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -277,5 +278,5 @@ void TestSmartListSheet::tabRunsAlongEachRowThenDown()
     }
 }
 
-QTEST_MAIN(TestSmartListSheet)
+ZT_TEST_GUI_MAIN(TestSmartListSheet)
 #include "tst_smartlistsheet.moc"

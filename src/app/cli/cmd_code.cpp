@@ -1,8 +1,8 @@
 #include "app/cli/ZTCli.h"
 
-#include "lookup/ZTStringExtras.h"
+#include "base/ZTStringExtras.h"
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTMediaKind.h"
-#include "scan/ZTCodeFormatter.h"
 
 #include <QJsonObject>
 #include <QTextStream>

@@ -1,12 +1,13 @@
 // The commands that show and make lists and smart lists.
 #include "app/cli/ZTCli.h"
 #include "app/cli/ZTCliLibrary.h"
+#include "base/ZTStringExtras.h"
 #include "library/ZTDocument.h"
+#include "library/lists/ZTListDescriptor.h"
+#include "library/lists/ZTQualifierText.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTList.h"
-#include "lists/ZTQualifierText.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
-#include "lookup/ZTStringExtras.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -135,7 +136,7 @@ int listShow(const QStringList &arguments)
     // Rules that count days are brought up to date before they are shown.
     document->updateExpiredSmartLists();
     const ZTList *list = document->listAtRow(row);
-    const QString description = list->descriptorForDocument(*document);
+    const QString description = ZTListDescriptor::descriptorForDocument(*list, *document);
     if (json) {
         ZTCli::printJson(QJsonObject{{QStringLiteral("name"), list->name()},
                                      {QStringLiteral("description"), description},

@@ -1,13 +1,13 @@
 #include "app/cli/ZTCli.h"
 #include "app/cli/ZTCliLibrary.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "lookup/ZTFetcher.h"
 #include "lookup/ZTLookupRun.h"
 #include "lookup/sites/ZTSiteRegistry.h"
+#include "model/ZTCodeFormatter.h"
 #include "model/ZTItem.h"
-#include "scan/ZTCodeFormatter.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "lookup/sites/ZTSiteRegistry.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "lookup/ZTFetcherAlbumsAmazon.h"
 #include "lookup/ZTFetcherBooksAmazon.h"
 #include "lookup/ZTFetcherMoviesAmazon.h"

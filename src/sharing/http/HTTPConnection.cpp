@@ -1,7 +1,7 @@
 #include "sharing/http/HTTPConnection.h"
 
-#include "app/ZTLog.h"
-#include "app/ZTNotificationCenter.h"
+#include "base/ZTLog.h"
+#include "base/ZTNotificationCenter.h"
 #include "sharing/http/HTTPFileResponse.h"
 
 #include <QDateTime>

@@ -1,6 +1,6 @@
 #include "sharing/http/HTTPFileResponse.h"
 
-#include "app/ZTLog.h"
+#include "base/ZTLog.h"
 #include "sharing/http/HTTPServer.h"
 
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "ui/app/ZTApplicationController.h"
 
 #include "app/ZTAppController.h"
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "platform/ZTAvahiPublisher.h"
 #include "sharing/ZTSharingController.h"
@@ -59,7 +59,8 @@ ZTPreferencesWindow *ZTApplicationController::showPreferences(const QString &pan
 {
     if (!m_preferences) {
         ZTSharingController *sharing = sharingController();
-        m_preferences = new ZTPreferencesWindow(sharing, m_publisher.get(), [this] { return knownLibraries(); });
+        m_preferences =
+            new ZTPreferencesWindow(sharing, m_publisher.get(), [this] { return knownLibraries(); });
         m_preferences->setAttribute(Qt::WA_DeleteOnClose);
     } else {
         m_preferences->refreshSharedLibraryList();

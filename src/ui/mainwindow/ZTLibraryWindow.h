@@ -2,7 +2,7 @@
 
 #include "library/ZTLayout.h"
 #include "library/ZTWindowDisplay.h"
-#include "lists/ZTListDrop.h"
+#include "library/lists/ZTListDrop.h"
 
 #include <QHash>
 #include <QMainWindow>

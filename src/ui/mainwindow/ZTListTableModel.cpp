@@ -1,4 +1,5 @@
 #include "ui/mainwindow/ZTListTableModel.h"
+#include "library/lists/ZTListDescriptor.h"
 
 #include "library/ZTDocument.h"
 #include "lists/ZTList.h"
@@ -34,7 +35,7 @@ QVariant ZTListTableModel::data(const QModelIndex &index, int role) const
     case Qt::EditRole:
         return library ? QCoreApplication::translate("Localizable", "Library") : list->name();
     case Qt::ToolTipRole:
-        return list->descriptorForDocument(m_document);
+        return ZTListDescriptor::descriptorForDocument(*list, m_document);
     case CountRole:
         return list->count();
     case SmartRole:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lists/ZTListDrop.h"
+#include "library/lists/ZTListDrop.h"
 
 #include <QListView>
 #include <QTableView>

@@ -1,6 +1,6 @@
 #include "ui/prefs/ZTPreferencesWindow.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTDocument.h"
 #include "platform/ZTAvahiPublisher.h"
 #include "sharing/ZTSharingController.h"

@@ -1,6 +1,6 @@
 #include "ui/sheets/ZTExportSheet.h"
 
-#include "app/ZTLog.h"
+#include "base/ZTLog.h"
 #include "export/ZTExportConfigurationController.h"
 #include "export/ZTExportController.h"
 #include "export/ZTListPickerController.h"

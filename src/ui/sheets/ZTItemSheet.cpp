@@ -1,6 +1,6 @@
 #include "ui/sheets/ZTItemSheet.h"
 
-#include "app/ZTSettings.h"
+#include "base/ZTSettings.h"
 #include "library/ZTContacts.h"
 #include "library/ZTDocument.h"
 #include "library/ZTItemController.h"

@@ -1,6 +1,6 @@
 #include "ui/sheets/ZTSmartListRow.h"
 
-#include "lists/ZTSmartListEntryController.h"
+#include "library/lists/ZTSmartListEntryController.h"
 #include "model/ZTDateUtil.h"
 #include "ui/sheets/ZTSheetWidgets.h"
 

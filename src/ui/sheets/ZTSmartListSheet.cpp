@@ -1,8 +1,8 @@
 #include "ui/sheets/ZTSmartListSheet.h"
 
 #include "library/ZTDocument.h"
+#include "library/lists/ZTSmartListController.h"
 #include "lists/ZTSmartList.h"
-#include "lists/ZTSmartListController.h"
 #include "ui/sheets/ZTSmartListRow.h"
 
 #include <QComboBox>
