@@ -274,7 +274,7 @@ const ZTItem::AccessorTable &ZTBook::accessors() const
         AccessorTable t = commonAccessors();
         t.insert(QStringLiteral("authors"), {&read<B, &B::authors>, &writeStrings<B, &B::setAuthors>});
         t.insert(QStringLiteral("authorRoleDicts"),
-                 {&read<B, &B::authorRoleDicts>, &writeList<B, &B::setAuthorRoleDicts>});
+                 {&read<B, &B::authorRoleDicts>, &writeRoles<B, &B::setAuthorRoleDicts>});
         t.insert(QStringLiteral("authorOids"), {&read<B, &B::authorOids>, nullptr});
         t.insert(QStringLiteral("authorRoleOids"), {&read<B, &B::authorRoleOids>, nullptr});
         static const RowValues subjectRows{

@@ -229,13 +229,13 @@ const ZTItem::AccessorTable &ZTComic::accessors() const
         t.insert(QStringLiteral("stories"),
                  {&read<C, &C::stories>, &writeStrings<C, &C::setStories>, &storyRows});
         t.insert(QStringLiteral("artistRoleDicts"),
-                 {&read<C, &C::artistRoleDicts>, &writeList<C, &C::setArtistRoleDicts>});
+                 {&read<C, &C::artistRoleDicts>, &writeRoles<C, &C::setArtistRoleDicts>});
         t.insert(QStringLiteral("artistRoles"),
-                 {&read<C, &C::artistRoleDicts>, &writeList<C, &C::setArtistRoleDicts>});
+                 {&read<C, &C::artistRoleDicts>, &writeRoles<C, &C::setArtistRoleDicts>});
         t.insert(QStringLiteral("characterRoleDicts"),
-                 {&read<C, &C::characterRoleDicts>, &writeList<C, &C::setCharacterRoleDicts>});
+                 {&read<C, &C::characterRoleDicts>, &writeRoles<C, &C::setCharacterRoleDicts>});
         t.insert(QStringLiteral("characterRoles"),
-                 {&read<C, &C::characterRoles>, &writeList<C, &C::setCharacterRoleDicts>});
+                 {&read<C, &C::characterRoles>, &writeRoles<C, &C::setCharacterRoleDicts>});
         t.insert(QStringLiteral("artists"), {&read<C, &C::artists>, &writeStrings<C, &C::setArtists>});
         t.insert(QStringLiteral("characters"),
                  {&read<C, &C::characters>, &writeStrings<C, &C::setCharacters>, &characterRows});

@@ -197,6 +197,9 @@ public:
                                    const QString &personKey, RoleField field) const;
     // A list of texts from whatever list-like value a dictionary holds.
     static QStringList variantToStrings(const QVariant &value);
+    // Role maps from what a role key is given: maps as they are, and a plain
+    // name (what the name keys read) as a name without a role.
+    static QVariantList roleDictsFromValue(const QVariant &value);
 
     // Transient picture data handed in through a dictionary.
     struct Transient {
@@ -230,9 +233,9 @@ protected:
     {
         (static_cast<Kind &>(item).*Method)(variantToStrings(value));
     }
-    template <typename Kind, auto Method> static void writeList(ZTItem &item, const QVariant &value)
+    template <typename Kind, auto Method> static void writeRoles(ZTItem &item, const QVariant &value)
     {
-        (static_cast<Kind &>(item).*Method)(value.toList());
+        (static_cast<Kind &>(item).*Method)(roleDictsFromValue(value));
     }
 
     virtual const AccessorTable &accessors() const = 0;

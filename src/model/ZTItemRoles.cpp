@@ -70,6 +70,18 @@ QStringList ZTItem::roleStringsForOids(const QStringList &oids, const QString &r
     return result;
 }
 
+QVariantList ZTItem::roleDictsFromValue(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::QString)
+        return value.toString().isEmpty() ? QVariantList() : QVariantList{QVariantMap{{s_name, value}}};
+    QVariantList dicts;
+    for (const QVariant &entry : value.toList())
+        dicts << (entry.typeId() == QMetaType::QVariantMap
+                      ? entry
+                      : QVariant(QVariantMap{{s_name, entry.toString()}}));
+    return dicts;
+}
+
 QStringList ZTItem::stringsForArray(const QVariantList &dicts, const QString &key)
 {
     QStringList result;

@@ -151,17 +151,10 @@ const ZTItem::AccessorTable &ZTMovie::accessors() const
         AccessorTable t = commonAccessors();
         t.insert(QStringLiteral("directors"), {&read<M, &M::directors>, &writeStrings<M, &M::setDirectors>});
         t.insert(QStringLiteral("actorRoleDicts"),
-                 {&read<M, &M::actorRoleDicts>, &writeList<M, &M::setActorRoleDicts>});
+                 {&read<M, &M::actorRoleDicts>, &writeRoles<M, &M::setActorRoleDicts>});
         // Lookups hand actors in as role maps under this key as well.
         t.insert(QStringLiteral("actorRoles"),
-                 {&read<M, &M::actorRoles>, [](ZTItem &i, const QVariant &v) {
-                      QVariantList dicts;
-                      for (const QVariant &e : v.toList())
-                          dicts << (e.typeId() == QMetaType::QVariantMap
-                                        ? e
-                                        : QVariant(QVariantMap{{s_name, e.toString()}}));
-                      static_cast<M &>(i).setActorRoleDicts(dicts);
-                  }});
+                 {&read<M, &M::actorRoles>, &writeRoles<M, &M::setActorRoleDicts>});
         t.insert(QStringLiteral("actors"), {&read<M, &M::actors>, [](ZTItem &i, const QVariant &v) {
                                                 QVariantList dicts;
                                                 for (const QString &n : variantToStrings(v))

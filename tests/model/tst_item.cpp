@@ -301,6 +301,35 @@ private Q_SLOTS:
         QCOMPARE(read->actors(), QStringList({"Ann", "Bo", "Cy", "Di"}));
     }
 
+    // A role key takes role maps, plain names (what its name key reads) and
+    // what it reads itself; none of them may lose a person.
+    void roleKeysTakePlainNamesAndWhatTheyRead()
+    {
+        const struct {
+            ZTMediaKind kind;
+            const char *key, *namesKey;
+        } cases[] = {{ZTMediaKind::Book, "authorRoleDicts", "authors"},
+                     {ZTMediaKind::Movie, "actorRoleDicts", "actors"},
+                     {ZTMediaKind::Movie, "actorRoles", "actors"},
+                     {ZTMediaKind::Comic, "artistRoleDicts", "artists"},
+                     {ZTMediaKind::Comic, "artistRoles", "artists"},
+                     {ZTMediaKind::Comic, "characterRoleDicts", "characters"},
+                     {ZTMediaKind::Comic, "characterRoles", "characters"}};
+        const QStringList names{QStringLiteral("Joker"), QStringLiteral("Alfred")};
+        for (const auto &c : cases) {
+            ZTLibraryFixture fixture(c.kind);
+            auto document = fixture.open();
+            ZTItem *item = document->addItemFromDictionary({});
+            const QString key = QLatin1String(c.key);
+            item->takeAttributesFromDictionary({{key, QVariantList{names[0], names[1]}}});
+            QCOMPARE(item->valueForKey(QLatin1String(c.namesKey)).toStringList(), names);
+            item->setValueForKey(item->valueForKey(key), key);
+            QCOMPARE(item->valueForKey(QLatin1String(c.namesKey)).toStringList(), names);
+            item->setValueForKey(QStringLiteral("Ann"), key);
+            QCOMPARE(item->valueForKey(QLatin1String(c.namesKey)).toStringList(), QStringList{"Ann"});
+        }
+    }
+
     void plainAuthorNamesBecomeRolesThroughTheDictionary()
     {
         ZTLibraryFixture fixture;
